@@ -1,0 +1,94 @@
+#include "Rex/Dispatcher.h"
+
+#include <boost/unordered/unordered_flat_set.hpp>
+
+#include "Rex/Entity.h"
+
+namespace Rex {
+namespace {
+
+struct Pending {
+   Ptr<Entity> entity;
+   uint32_t attribute;
+   AnyKey key;
+};
+
+struct Identity {
+   const Entity* entity;
+   uint32_t attribute;
+   size_t keyHash;
+   size_t position;  // in the queue
+   bool operator==(const Identity& other) const {
+      return entity == other.entity && attribute == other.attribute && keyHash == other.keyHash;
+   }
+   friend size_t hash_value(const Identity& id) {
+      size_t seed = reinterpret_cast<uintptr_t>(id.entity);
+      boost::hash_combine(seed, id.attribute);
+      boost::hash_combine(seed, id.keyHash);
+      return seed;
+   }
+};
+
+struct Queue {
+   std::vector<Pending> changes;
+   size_t next = 0;
+   boost::unordered_flat_set<Identity, boost::hash<Identity>> waiting;
+   uint32_t lastReaction = Dispatcher::idle;
+
+   void push(Entity& entity, uint32_t attribute, AnyKey key) {
+      Identity id{&entity, attribute, key.hash(), changes.size()};
+      auto [at, fresh] = waiting.insert(id);
+      // Two keys of one hash are two changes all the same.
+      if (!fresh && changes[at->position].key == key) return;
+      changes.push_back({Ptr<Entity>(&entity), attribute, std::move(key)});
+   }
+   Pending pop() {
+      Pending change = std::move(changes[next]);
+      Identity id{change.entity.get(), change.attribute, change.key.hash(), next};
+      auto at = waiting.find(id);
+      if (at != waiting.end() && at->position == next) waiting.erase(at);
+      ++next;
+      return change;
+   }
+   void clear() {
+      changes.clear();
+      waiting.clear();
+      next = 0;
+   }
+};
+Queue queue;
+
+}  // namespace
+
+Dispatcher::Scope::Scope() {
+   if (++queue.lastReaction == idle) ++queue.lastReaction;
+   reaction = queue.lastReaction;
+}
+
+Dispatcher::Scope::~Scope() {
+   queue.clear();
+   reaction = idle;
+}
+
+void Dispatcher::changed(Entity& entity, uint32_t attribute, AnyKey key) {
+   if (running()) {
+      queue.push(entity, attribute, std::move(key));
+      return;
+   }
+   Scope scope;
+   queue.push(entity, attribute, std::move(key));
+   drain();
+}
+
+void Dispatcher::drain() {
+   while (queue.next < queue.changes.size()) {
+      Pending change = queue.pop();
+      change.entity->deliver(change.attribute, change.key);
+   }
+}
+
+size_t Dispatcher::pending() {
+   return queue.changes.size() - queue.next;
+}
+
+}  // namespace Rex

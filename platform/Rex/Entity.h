@@ -1,0 +1,69 @@
+// Entities: reference-counted objects with typed attributes and keyed collections that can be
+// watched. A type is declared line by line (Rex/Declare.h); the lines alone give its accessors,
+// its printed form, JSON in both directions and its place in the management API.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <type_traits>
+
+#include "Rex/AnyKey.h"
+#include "Rex/Dispatcher.h"
+#include "Rex/Ptr.h"
+
+namespace Rex {
+
+class EntityType;
+class StateMachine;
+struct Watchers;
+
+// Identity of an attribute: the type that declares it, the type of its collection's key (void for
+// a scalar), and a number that is unique within the type and grows in the order of declaration.
+template <class Owner, class Key = void>
+struct Attr {
+   uint32_t id;
+};
+
+class Entity : public PtrInterface {
+ public:
+   static constexpr uint32_t rexDepth = 0;
+
+   Entity();
+   ~Entity() override;
+
+   // The description of the most derived type.
+   virtual const EntityType& entityType() const = 0;
+
+   // Marks the entity as made in the present reaction: its changes are queued for watchers that
+   // do not stand yet. Holders call this when they take a new member.
+   void bornIs() { born_ = Dispatcher::reaction; }
+
+ protected:
+   // Called by mutators after the value is stored.
+   void rexChanged(uint32_t attribute) {
+      if (heard()) [[unlikely]]
+         Dispatcher::changed(*this, attribute);
+   }
+   template <class K>
+   void rexChanged(uint32_t attribute, const K& key) {
+      if (heard()) [[unlikely]]
+         Dispatcher::changed(*this, attribute, AnyKey(key));
+   }
+
+ private:
+   friend class Dispatcher;
+   friend class StateMachine;
+
+   bool heard() const {
+      return watchers_ || (born_ == Dispatcher::reaction && born_ != Dispatcher::idle);
+   }
+   void deliver(uint32_t attribute, const AnyKey& key);
+
+   // Watching does not change what is watched: read-only views can be watched too.
+   mutable std::unique_ptr<Watchers> watchers_;
+   uint32_t born_ = Dispatcher::idle;
+};
+
+}  // namespace Rex
+
+#include "Rex/Declare.h"  // IWYU pragma: export

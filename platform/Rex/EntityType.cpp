@@ -1,0 +1,121 @@
+#include "Rex/EntityType.h"
+
+#include <map>
+
+#include "Rex/Assert.h"
+#include "Rex/Dir.h"
+
+namespace Rex {
+namespace {
+
+std::map<std::string, const EntityType*, std::less<>>& registry() {
+   static std::map<std::string, const EntityType*, std::less<>> all;
+   return all;
+}
+
+std::string below(const std::string& path, const std::string& name) {
+   return path.empty() ? name : path + "." + name;
+}
+
+}  // namespace
+
+Member::Write Member::decode(const Json&, const std::string& path) const {
+   throw JsonError(path, "cannot be written as a whole");
+}
+Ptr<Entity> Member::child(const Entity&, std::string_view) const {
+   return nullptr;
+}
+Ptr<Entity> Member::makeChild(Entity&, std::string_view) const {
+   return nullptr;
+}
+const EntityType* Member::madeType() const {
+   return nullptr;
+}
+std::string Member::keyFault(std::string_view) const {
+   return {};
+}
+bool Member::removeKey(Entity&, std::string_view) const {
+   return false;
+}
+std::string Member::keyText(const AnyKey&) const {
+   return {};
+}
+std::vector<std::string> Member::keys(const Entity&) const {
+   return {};
+}
+
+EntityType::EntityType(std::string name, Maker maker, std::vector<std::unique_ptr<Member>> members)
+    : name_(std::move(name)), maker_(std::move(maker)), members_(std::move(members)) {
+   registry().emplace(name_, this);
+}
+
+const Member* EntityType::member(std::string_view name) const {
+   for (const auto& member : members_) {
+      if (member->name == name) return member.get();
+   }
+   return nullptr;
+}
+
+const Member* EntityType::member(uint32_t id) const {
+   for (const auto& member : members_) {
+      if (member->id == id) return member.get();
+   }
+   return nullptr;
+}
+
+const EntityType* EntityType::find(std::string_view name) {
+   auto at = registry().find(name);
+   return at == registry().end() ? nullptr : at->second;
+}
+
+Json memberToJson(const Member& member, const Entity& entity, int depth) {
+   if (member.kind != MemberKind::children) return member.toJson(entity);
+   Json children = Json::object();
+   for (const std::string& key : member.keys(entity)) {
+      Ptr<Entity> child = member.child(entity, key);
+      children[key] = depth > 0 && child ? entityToJson(*child, depth - 1) : Json::object();
+   }
+   return children;
+}
+
+Json entityToJson(const Entity& entity, int depth) {
+   Json object = Json::object();
+   for (const auto& member : entity.entityType().members()) {
+      object[member->name] = memberToJson(*member, entity, depth);
+   }
+   return object;
+}
+
+Member::Write decodeEntity(const EntityType& type, const Json& json, const std::string& path) {
+   if (!json.is_object()) throw JsonError(path, "expected an object of attributes");
+   std::vector<Member::Write> writes;
+   for (const auto& [name, value] : json.items()) {
+      const Member* member = type.member(name);
+      if (!member) throw JsonError(below(path, name), "no such attribute of " + type.name());
+      writes.push_back(member->decode(value, below(path, name)));
+   }
+   return [writes](Entity& entity) {
+      for (const auto& write : writes) write(entity);
+   };
+}
+
+Ptr<Entity> findBelow(const Ptr<Entity>& entity, const std::vector<std::string>& steps,
+                      size_t from) {
+   Ptr<Entity> at = entity;
+   for (size_t i = from; at && i < steps.size();) {
+      if (auto* dir = dynamic_cast<Dir*>(at.get())) {
+         at = dir->entityPtr(String(steps[i++]));
+         continue;
+      }
+      const Member* member = at->entityType().member(steps[i++]);
+      if (!member) return nullptr;
+      if (member->kind == MemberKind::pointer) {
+         at = member->child(*at, {});
+      } else {
+         at = i < steps.size() ? member->child(*at, steps[i++]) : nullptr;
+      }
+   }
+   return at;
+}
+
+}  // namespace Rex

@@ -1,0 +1,242 @@
+// REX_REGISTER(Namespace::Type) in one source file makes the description of an entity type from
+// the lines of its declaration. Included by those source files only: it instantiates the JSON of
+// every member.
+#pragma once
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "Rex/EntityType.h"
+
+namespace Rex::detail {
+
+template <class T>
+inline constexpr bool isPtr = false;
+template <class T>
+inline constexpr bool isPtr<Ptr<T>> = true;
+template <class T>
+using Pointee = std::remove_const_t<typename T::element_type>;
+
+template <class Owner>
+const Owner& in(const Entity& entity) {
+   return static_cast<const Owner&>(entity);
+}
+template <class Owner>
+Owner& in(Entity& entity) {
+   return static_cast<Owner&>(entity);
+}
+// What is read generically may be watched and walked, whichever view it came through.
+template <class T>
+Ptr<Entity> asEntity(const Ptr<T>& p) {
+   return Ptr<Entity>(const_cast<Pointee<Ptr<T>>*>(p.get()));
+}
+
+template <class Owner, class T>
+struct KeyOf : Member {
+   KeyOf(KeyMember<Owner, T> m) : Member(m.name, m.attr.id, MemberKind::key), at(m.member) {}
+   Json toJson(const Entity& e) const override { return Rex::toJson(in<Owner>(e).*at); }
+   Write decode(const Json&, const std::string& path) const override {
+      throw JsonError(path, "is the key and stays as it is");
+   }
+   T Owner::*at;
+};
+
+// Writes go through the setter, found through the member's own write function.
+template <class Owner, class T>
+struct ScalarOf : Member {
+   using Setter = void (*)(Owner&, const T&);
+   ScalarOf(ScalarMember<Owner, T> m)
+       : Member(m.name, m.attr.id, MemberKind::scalar), at(m.member), set(m.set) {}
+   Json toJson(const Entity& e) const override { return Rex::toJson(in<Owner>(e).*at); }
+   Write decode(const Json& json, const std::string& path) const override {
+      T value{};
+      fromJson(json, value, path);
+      return [set = set, value](Entity& e) { set(in<Owner>(e), value); };
+   }
+   T Owner::*at;
+   Setter set;
+};
+
+template <class Owner, class T>
+struct PointerOf : Member {
+   PointerOf(ScalarMember<Owner, T> m)
+       : Member(m.name, m.attr.id, MemberKind::pointer), at(m.member) {}
+   Json toJson(const Entity& e) const override {
+      if (!(in<Owner>(e).*at)) return Json();
+      if constexpr (std::is_base_of_v<Entity, Pointee<T>>) {
+         return (in<Owner>(e).*at)->entityType().name();
+      } else {
+         return "object";
+      }
+   }
+   Ptr<Entity> child(const Entity& e, std::string_view) const override {
+      if constexpr (std::is_base_of_v<Entity, Pointee<T>>) return asEntity(in<Owner>(e).*at);
+      return nullptr;
+   }
+   T Owner::*at;
+};
+
+template <class Owner, class Map, class Key, class Value>
+struct CollectionOf : Member {
+   using Described = CollectionMember<Owner, Map, Key, Value>;
+   CollectionOf(Described m) : Member(m.name, m.attr.id, m.kind), at(m.member), described(m) {}
+
+   Json toJson(const Entity& e) const override {
+      Json array = Json::array();
+      for (auto [key, value] : in<Owner>(e).*at) {
+         if constexpr (isPtr<Value>) {
+            array.push_back(keyToText(key));
+         } else if (kind == MemberKind::mapping) {
+            array.push_back(Json{{"key", Rex::toJson(key)}, {"value", Rex::toJson(value)}});
+         } else {
+            array.push_back(Rex::toJson(value));
+         }
+      }
+      return array;
+   }
+   Write decode(const Json& json, const std::string& path) const override {
+      if constexpr (isPtr<Value>) {
+         return Member::decode(json, path);
+      } else {
+         return decodeValues(json, path);
+      }
+   }
+   Ptr<Entity> child(const Entity& e, std::string_view text) const override {
+      if constexpr (isPtr<Value>) {
+         Key key{};
+         if (!keyFromText(text, key)) return nullptr;
+         const Value* found = (in<Owner>(e).*at).find(key);
+         if (found) return asEntity(*found);
+      }
+      return nullptr;
+   }
+   Ptr<Entity> makeChild(Entity& e, std::string_view text) const override {
+      Key key{};
+      if (kind != MemberKind::children || !described.write || !keyFromText(text, key))
+         return nullptr;
+      described.write(in<Owner>(e), key, Value{});
+      return child(e, text);
+   }
+   const EntityType* madeType() const override {
+      if constexpr (isPtr<Value>) {
+         if constexpr (!std::is_same_v<Pointee<Value>, Entity>) {
+            if (kind == MemberKind::children && described.write) {
+               return &Pointee<Value>::staticType();
+            }
+         }
+      }
+      return nullptr;
+   }
+   std::string keyFault(std::string_view text) const override { return keyTextFault<Key>(text); }
+   bool removeKey(Entity& e, std::string_view text) const override {
+      Key key{};
+      if (!keyFromText(text, key) || !(in<Owner>(e).*at).find(key)) return false;
+      described.remove(in<Owner>(e), key);
+      return true;
+   }
+   std::string keyText(const AnyKey& key) const override { return keyToText(key.as<Key>()); }
+   std::vector<std::string> keys(const Entity& e) const override {
+      std::vector<std::string> texts;
+      for (auto [key, value] : in<Owner>(e).*at) texts.push_back(keyToText(key));
+      return texts;
+   }
+
+ private:
+   // The array becomes the collection's content: what it does not name goes, then each is written.
+   Write decodeValues(const Json& json, const std::string& path) const {
+      if (!json.is_array()) expected(json, path, "an array");
+      std::vector<std::pair<Key, Value>> members;
+      for (size_t i = 0; i < json.size(); ++i) {
+         std::string place = path + "[" + std::to_string(i) + "]";
+         Key key{};
+         Value value{};
+         if (kind == MemberKind::mapping) {
+            if (!json[i].is_object() || !json[i].contains("key") || !json[i].contains("value")) {
+               expected(json[i], place, "an object with key and value");
+            }
+            fromJson(json[i]["key"], key, place + ".key");
+            fromJson(json[i]["value"], value, place + ".value");
+         } else {
+            fromJson(json[i], value, place);
+            key = described.keyOf(value);
+         }
+         members.emplace_back(key, value);
+      }
+      return [this, members](Entity& e) {
+         for (auto [key, value] : in<Owner>(e).*at) {
+            bool stays =
+                std::any_of(members.begin(), members.end(),
+                            [&key = key](const auto& member) { return member.first == key; });
+            if (!stays) described.remove(in<Owner>(e), key);
+         }
+         for (const auto& [key, value] : members) described.write(in<Owner>(e), key, value);
+      };
+   }
+   Map Owner::*at;
+   Described described;
+};
+
+template <class Owner, class T>
+std::unique_ptr<Member> describe(KeyMember<Owner, T> m) {
+   return std::make_unique<KeyOf<Owner, T>>(m);
+}
+template <class Owner, class T>
+std::unique_ptr<Member> describe(ScalarMember<Owner, T> m) {
+   if constexpr (isPtr<T>) {
+      return std::make_unique<PointerOf<Owner, T>>(m);
+   } else {
+      return std::make_unique<ScalarOf<Owner, T>>(m);
+   }
+}
+template <class Owner, class Map, class Key, class Value>
+std::unique_ptr<Member> describe(CollectionMember<Owner, Map, Key, Value> m) {
+   return std::make_unique<CollectionOf<Owner, Map, Key, Value>>(m);
+}
+
+template <class T, int line>
+void describeLine(std::vector<std::unique_ptr<Member>>& members) {
+   if constexpr (requires { T::rexMember(Line<line>()); }) {
+      members.push_back(describe(T::rexMember(Line<line>())));
+   }
+}
+template <class T, int... offsets>
+void describeLines(std::vector<std::unique_ptr<Member>>& members,
+                   std::integer_sequence<int, offsets...>) {
+   (describeLine<T, T::rexFirst + offsets>(members), ...);
+}
+// A base's members come first.
+template <class T>
+void describeType(std::vector<std::unique_ptr<Member>>& members) {
+   if constexpr (!std::is_same_v<T, Entity>) {
+      describeType<typename T::RexBase>(members);
+      describeLines<T>(members, std::make_integer_sequence<int, T::rexLast - T::rexFirst + 1>());
+   }
+}
+
+template <class T>
+EntityType makeType(const char* name) {
+   std::vector<std::unique_ptr<Member>> members;
+   describeType<T>(members);
+   EntityType::Maker maker;
+   if constexpr (std::is_default_constructible_v<T> && !std::is_abstract_v<T>) {
+      maker = [] { return Ptr<Entity>(make<T>()); };
+   }
+   return EntityType(name, std::move(maker), std::move(members));
+}
+
+}  // namespace Rex::detail
+
+#define REX_REGISTER(Type)                                                              \
+   const ::Rex::EntityType& Type::staticType() {                                        \
+      static const ::Rex::EntityType& type =                                            \
+          *new ::Rex::EntityType(::Rex::detail::makeType<Type>(#Type));                 \
+      return type;                                                                      \
+   }                                                                                    \
+   namespace {                                                                          \
+   [[maybe_unused]] const ::Rex::EntityType& REX_PASTE_(registered,                     \
+                                                        __LINE__) = Type::staticType(); \
+   }
+#define REX_PASTE_(a, b) REX_PASTE2_(a, b)
+#define REX_PASTE2_(a, b) a##b

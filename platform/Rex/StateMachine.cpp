@@ -1,0 +1,59 @@
+#include "Rex/StateMachine.h"
+
+#include <algorithm>
+
+#include "Rex/Context.h"
+
+namespace Rex {
+
+StateMachine::StateMachine() : context_(Context::current()) {}
+
+StateMachine::~StateMachine() {
+   // An owner that did not close leaves at least no reactor behind.
+   for (const auto& entity : watched_) detach(*entity);
+}
+
+void StateMachine::close() {
+   if (closed_) return;
+   closed_ = true;
+   for (const auto& entity : watched_) detach(*entity);
+   watched_.clear();
+   for (Timer* timer : timers_) timer->cancel();
+   timers_.clear();
+   doClose();
+}
+
+void StateMachine::watch(const Entity* entity, uint32_t attribute, const Reaction& reaction) {
+   if (!entity || closed_) return;
+   if (!entity->watchers_) entity->watchers_ = std::make_unique<Watchers>();
+   entity->watchers_->list.push_back({attribute, this, reaction});
+   Ptr<const Entity> watched(entity);
+   if (std::find(watched_.begin(), watched_.end(), watched) == watched_.end()) {
+      watched_.push_back(watched);
+   }
+}
+
+void StateMachine::unwatch(const Ptr<const Entity>& entity) {
+   auto at = std::find(watched_.begin(), watched_.end(), entity);
+   if (at == watched_.end()) return;
+   detach(*entity);
+   watched_.erase(at);
+}
+
+void StateMachine::own(Timer& timer, std::function<void()> run) {
+   timer.handlerIs(this, std::move(run));
+   timers_.push_back(&timer);
+}
+
+void StateMachine::detach(const Entity& entity) {
+   if (!entity.watchers_) return;
+   Watchers& watchers = *entity.watchers_;
+   for (Watcher& watcher : watchers.list) {
+      if (watcher.machine == this) watcher.machine = nullptr;
+   }
+   if (watchers.deliveries) return;
+   std::erase_if(watchers.list, [](const Watcher& watcher) { return !watcher.machine; });
+   if (watchers.list.empty()) entity.watchers_.reset();
+}
+
+}  // namespace Rex
