@@ -1,0 +1,107 @@
+// Which interfaces exist as devices, and what is read of interfaces by their kind.
+#include <gtest/gtest.h>
+
+#include "Interface/EthLagIntfStatus.h"
+#include "Interface/EthPhyIntfStatus.h"
+#include "Interface/IntfDetailsProvider.h"
+#include "Interface/NetNsIntfStatusManager.h"
+#include "Rex/Clock.h"
+#include "Rex/Context.h"
+#include "Rex/EntityType.h"
+
+namespace Interface {
+namespace {
+
+using Wirekit::IntfId;
+
+class NetNsIntfStatusManagerTest : public testing::Test {
+ protected:
+   Rex::Ptr<IntfStatus> row(const char* name, const char* device, int ifIndex) {
+      auto made = Rex::make<IntfStatus>(IntfId(name));
+      made->deviceNameIs(device);
+      made->ifIndexIs(ifIndex);
+      return made;
+   }
+   DeviceIntfStatus device(const char* name) const { return devices->intfStatus(IntfId(name)); }
+
+   Rex::Context context{Rex::make<Rex::Clock>(std::make_shared<Rex::ManualTime>())};
+   Rex::ContextScope scope{context};
+   Rex::Ptr<AllIntfStatusDir> all = Rex::make<AllIntfStatusDir>();
+   Rex::Ptr<AllIntfStatusLocalDir> local = Rex::make<AllIntfStatusLocalDir>();
+   Rex::Ptr<DeviceIntfStatusDir> devices = Rex::make<DeviceIntfStatusDir>();
+};
+
+TEST_F(NetNsIntfStatusManagerTest, theDevicesOfThisCellAreFollowed) {
+   auto eth1 = row("Ethernet1", "e1", 5);
+   local->intfStatusIs(eth1);
+   all->intfStatusIs(row("Management2/1", "ma1", 9));  // the other cell's
+   auto root = NetNsIntfStatusManagerRootIs(all, local, "root", false);
+   auto manager = root->intfStatusManagerIs(devices, nullptr);
+   EXPECT_EQ(device("Ethernet1"), (DeviceIntfStatus{IntfId("Ethernet1"), "e1", 5}));
+   EXPECT_EQ(devices->intfStatuss(), 1u);
+
+   local->intfStatusIs(row("Vlan10", "", 100));  // no device
+   local->intfStatusIs(row("Ethernet2", "e2", 0));
+   EXPECT_EQ(devices->intfStatuss(), 1u);
+   local->intfStatus(IntfId("Ethernet2"))->ifIndexIs(6);
+   EXPECT_EQ(device("Ethernet2").ifIndex, 6);
+   eth1->ifIndexIs(7);
+   EXPECT_EQ(device("Ethernet1").ifIndex, 7);
+   eth1->deviceNameIs("");
+   EXPECT_FALSE(devices->intfStatusHas(IntfId("Ethernet1")));
+
+   // Another entity under the same key takes the old one's place.
+   local->intfStatusIs(row("Ethernet2", "e2", 60));
+   EXPECT_EQ(device("Ethernet2").ifIndex, 60);
+   local->intfStatusDel(IntfId("Ethernet2"));
+   EXPECT_EQ(devices->intfStatuss(), 0u);
+
+   eth1->deviceNameIs("e1");
+   EXPECT_EQ(devices->intfStatuss(), 1u);
+   root->intfStatusManagerDel(Wirekit::NamespaceName::defaultNamespace());
+   EXPECT_EQ(devices->intfStatuss(), 0u);
+   eth1->ifIndexIs(8);
+   EXPECT_EQ(devices->intfStatuss(), 0u);
+}
+
+TEST_F(NetNsIntfStatusManagerTest, aNamespaceHasItsOwnDevicesWhereThatIsAskedFor) {
+   auto eth1 = row("Ethernet1", "e1", 5);
+   eth1->netNsIs(Wirekit::NamespaceName("red"));
+   local->intfStatusIs(eth1);
+   auto root = NetNsIntfStatusManagerRootIs(all, local, "root", true);
+   root->intfStatusManagerIs(devices, nullptr);
+   EXPECT_EQ(devices->intfStatuss(), 0u);
+   eth1->netNsIs(Wirekit::NamespaceName::defaultNamespace());
+   EXPECT_EQ(devices->intfStatuss(), 1u);
+}
+
+TEST(IntfDetailsProvider, onlyNumberedInterfacesHaveOne) {
+   auto status = Rex::make<IntfStatus>(IntfId("Port-Channel1"));
+   EXPECT_EQ(Intf::intfDetailsProvider(status), nullptr);
+   EXPECT_EQ(Intf::intfDetailsProvider(nullptr), nullptr);
+   status->ifIndexIs(1000001);
+   EXPECT_EQ(Intf::intfDetailsProvider(status)->ifIndex(status), 1000001);
+}
+
+TEST(InterfaceEntities, areReadAndWrittenByDescription) {
+   auto status = Rex::make<EthPhyIntfStatus>(IntfId("Ethernet1"));
+   Rex::Json wanted = {{"linkStatus", "linkUp"},
+                       {"ethAddr", "02:00:00:00:00:01"},
+                       {"forwardingModel", "intfForwardingBridged"},
+                       {"maxMtu", 9214}};
+   Rex::decodeEntity(status->entityType(), wanted, "")(*status);
+   EXPECT_EQ(status->linkStatus(), 2);
+   EXPECT_EQ(status->forwardingModel(), 3);
+   Rex::Json read = Rex::entityToJson(*status);
+   EXPECT_EQ(read["ethAddr"], "02:00:00:00:00:01");
+   EXPECT_EQ(read["intfId"], "Ethernet1");
+
+   auto lag = Rex::make<EthLagIntfStatus>(IntfId("Port-Channel1"));
+   lag->memberIs(IntfId("Ethernet3/1"));
+   auto member = Rex::findBelow(lag, {"member", "Ethernet3/1"});
+   ASSERT_TRUE(member);
+   EXPECT_EQ(member->entityType().name(), "Interface::EthIntfStatus");
+}
+
+}  // namespace
+}  // namespace Interface
