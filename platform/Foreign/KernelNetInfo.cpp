@@ -1,0 +1,5 @@
+#include "Foreign/KernelNetInfo.h"
+
+#include "Rex/Register.h"
+
+REX_REGISTER(KernelNetInfo::Status)

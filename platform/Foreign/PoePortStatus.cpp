@@ -1,0 +1,5 @@
+#include "Foreign/PoePortStatus.h"
+
+#include "Rex/Register.h"
+
+REX_REGISTER(Environment::Power::PoePortStatus)

@@ -1,0 +1,5 @@
+#include "Foreign/Redundancy.h"
+
+#include "Rex/Register.h"
+
+REX_REGISTER(Redundancy::RedundancyStatus)

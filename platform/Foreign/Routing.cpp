@@ -1,0 +1,5 @@
+#include "Foreign/Routing.h"
+
+#include "Rex/Register.h"
+
+REX_REGISTER(Routing::Config)

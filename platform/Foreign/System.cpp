@@ -1,0 +1,5 @@
+#include "Foreign/System.h"
+
+#include "Rex/Register.h"
+
+REX_REGISTER(System::NetStatus)

@@ -1,0 +1,210 @@
+// The embedded state store: paths, mounts, and what each client sees.
+#include <gmock/gmock.h>
+
+#include "Foreign/Bridging.h"
+#include "Foreign/CAgent.h"
+#include "Foreign/Toggle.h"
+#include "Rex/Dir.h"
+#include "Rex/EntityType.h"
+#include "Statestore/Cell.h"
+#include "Statestore/EntityManager.h"
+#include "Statestore/IpMountKit.h"
+#include "Statestore/RexPool.h"
+#include "unit/RexFixture.h"
+
+using namespace Statestore;
+using testing::ElementsAre;
+
+struct StatestoreTest : RexFixture, Mounter {
+   Rex::Ptr<EntityManager> manager = Rex::make<EntityManager>();
+   std::vector<MountStatus> told;
+
+   void doMountsComplete(MountStatus status, const Rex::Ptr<EntityManager>& from) override {
+      EXPECT_EQ(from.get(), manager.get());
+      told.push_back(status);
+   }
+};
+
+TEST_F(StatestoreTest, PathsGoRoundThroughTheirEncoding) {
+   Steps steps{"port", "Ethernet3/1", "50%", "\xff a"};
+   EXPECT_EQ(encodePath(steps), "port/Ethernet3%2F1/50%25/%FF%20a");
+   EXPECT_EQ(decodePath(encodePath(steps)), steps);
+   EXPECT_EQ(decodePath("//a///b/"), (Steps{"a", "b"}));
+   EXPECT_EQ(decodePath("a%2fb"), (Steps{"a/b"}));
+   for (const char* broken : {"a%", "a%2", "a%2/b", "%zz", "a%-1"}) {
+      EXPECT_EQ(decodePath(broken), std::nullopt) << broken;
+   }
+}
+
+TEST_F(StatestoreTest, AMountFindsOrMakesAndTheMounterIsToldOnceInALaterTurn) {
+   auto standing = manager->entityIs("bridging/config", "Bridging::Config");
+   auto group = manager->getMountGroup(this);
+   group->doMount(Mount("bridging/config", "Bridging::Config", "r"));
+   group->doMount(Mount("bridging/hwcapabilities", "Bridging::HwCapabilities", "wif"));
+   EXPECT_EQ(pass(), 0u);
+   group->doClose(false, "", 0.0);
+   EXPECT_TRUE(told.empty());
+   EXPECT_FALSE(manager->getEntity("bridging/hwcapabilities"));
+   EXPECT_EQ(pass(), 1u);
+   EXPECT_THAT(told, ElementsAre(mountSuccess_));
+   EXPECT_EQ(int(told[0]), 4);
+   EXPECT_EQ(pass(1), 0u);
+
+   EXPECT_EQ(manager->getEntity("bridging/config"), standing);
+   EXPECT_TRUE(
+       Rex::dynamicPtr<Bridging::HwCapabilities>(manager->getEntity("bridging/hwcapabilities")));
+   EXPECT_EQ(manager->mountFlags("bridging/hwcapabilities"), "wif");
+   EXPECT_EQ(manager->mountFlags("bridging"), "");
+   EXPECT_THAT(manager->paths(), ElementsAre("bridging/config", "bridging/hwcapabilities"));
+}
+
+TEST_F(StatestoreTest, AMountThatFailsIsToldAndTheOthersStand) {
+   manager->entityIs("a", "Rex::Dir");
+   struct {
+      const char* path;
+      const char* typeName;
+      MountStatus status;
+   } cases[] = {
+       {"b", "No::Such", mountUnknownType_},
+       {"b", "Bridging::SwitchIntfConfig", mountUnknownType_},  // made only by its holder
+       {"", "Rex::Dir", mountUnknownType_},
+       {"a", "Bridging::Config", mountOtherType_},
+   };
+   for (const auto& one : cases) {
+      told.clear();
+      auto group = manager->getMountGroup(this);
+      group->doMount(Mount(one.path, one.typeName, "r"));
+      group->doMount(Mount("good", "Rex::Dir", "r"));
+      group->doClose(false, "", 0.0);
+      pass();
+      EXPECT_THAT(told, ElementsAre(one.status)) << one.path << " " << one.typeName;
+      EXPECT_TRUE(manager->getEntity("good"));
+   }
+}
+
+TEST_F(StatestoreTest, AnEmptyGroupIsToldTooAndAManagerThatGoesTellsNobody) {
+   manager->getMountGroup(this)->doClose(false, "", 0.0);
+   pass();
+   EXPECT_THAT(told, ElementsAre(mountSuccess_));
+   auto group = manager->getMountGroup(this);
+   group->doClose(false, "", 0.0);
+   group = nullptr;
+   manager = nullptr;
+   EXPECT_EQ(pass(1), 0u);
+   EXPECT_EQ(told.size(), 1u);
+}
+
+TEST_F(StatestoreTest, StepsLeadThroughPathsDirectoriesMembersAndKeys) {
+   manager->entityIs("bridging/config", "Bridging::Config");
+   auto config = Rex::dynamicPtr<Bridging::Config>(manager->getEntity("bridging/config"));
+   auto row = config->switchIntfConfigIs(Wirekit::IntfId("Ethernet3/1"));
+   manager->entityIs("cells", "Rex::Dir");
+   auto entry = manager->entityIs("cells/1", "Bridging::Config");
+   auto inner = Rex::dynamicPtr<Bridging::Config>(entry)->switchIntfConfigIs(Wirekit::IntfId("E1"));
+
+   auto find = [&](const char* path) { return manager->find(*decodePath(path)).entity.get(); };
+   EXPECT_EQ(find("bridging/config/switchIntfConfig/Ethernet3%2F1"), row.get());
+   EXPECT_EQ(find("cells/1"), entry.get());
+   EXPECT_EQ(find("cells/1/switchIntfConfig/E1"), inner.get());
+   for (const char* nothing :
+        {"", "bridging", "bridging/config/switchIntfConfig", "bridging/config/nothing/1",
+         "bridging%2Fconfig", "bridging/config/switchIntfConfig/Ethernet3/1", "cells/2",
+         "cells/1/switchIntfConfig/E2"}) {
+      EXPECT_EQ(find(nothing), nullptr) << nothing;
+   }
+   EXPECT_EQ(manager->find({"cells", "1"}).root, "cells");
+   // An entry of a directory is in the directory, and is no path of its own.
+   EXPECT_TRUE(Rex::dynamicPtr<Rex::Dir>(manager->getEntity("cells"))->entityPtrHas("1"));
+   EXPECT_THAT(manager->paths(), ElementsAre("bridging/config", "cells"));
+}
+
+TEST_F(StatestoreTest, LocalEntitiesAreOfOneClientAlone) {
+   Rex::Context peer(clock);
+   peer.cellId = 2;
+   peer.serviceIs(std::shared_ptr<Tree>(&context.service<Tree>(), [](Tree*) {}));
+   Rex::ContextScope inside(peer);
+   auto other = Rex::make<EntityManager>();
+
+   auto mine = manager->localEntityIs("interface/all", "Rex::Dir");
+   auto theirs = other->localEntityIs("interface/all", "Rex::Dir");
+   EXPECT_NE(mine, theirs);
+   EXPECT_EQ(manager->getEntity("interface/all"), mine);
+   EXPECT_EQ(manager->entityIs("interface/all", "Rex::Dir"), mine);
+   auto shared = other->entityIs("shared", "Rex::Dir");
+   EXPECT_TRUE(shared);
+   EXPECT_EQ(manager->getEntity("shared"), shared);
+   // Whoever fills a path may come before the one who declares it local.
+   EXPECT_EQ(manager->localEntityIs("shared", "Rex::Dir"), shared);
+   EXPECT_EQ(Cell::cellId(), 2);
+   EXPECT_EQ(Cell::path("sys/net/status", 0), "cell/2/sys/net/status");
+   EXPECT_EQ(Cell::path("sys/net/status", 1), "cell/1/sys/net/status");
+}
+
+TEST_F(StatestoreTest, TablesAndIpMounts) {
+   RexPool::Mount pool(manager);
+   pool.doMount("kni/ns/default/status", "KernelNetInfo::Status", RexPool::MountInfo(3));
+   EXPECT_EQ(pool.getEntity("kni/ns/default/status")->entityType().name(), "KernelNetInfo::Status");
+   EXPECT_FALSE(pool.getEntity("kni/ns/other/status"));
+
+   auto group = manager->getMountGroup(this);
+   IpMountKit::IpMountKitIpStatusMounter().doMountEntities(group, true, true);
+   group->doClose(false, "", 0.0);
+   pass();
+   EXPECT_THAT(told, ElementsAre(mountSuccess_));
+   EXPECT_EQ(manager->getEntity("ip/status")->entityType().name(), "Ip::Status");
+   EXPECT_EQ(manager->getEntity("ip6/status")->entityType().name(), "Ip6::Status");
+}
+
+namespace {
+
+struct TestAgent : AgentBase::CAgent {
+   TestAgent() : CAgent("Test") {}
+   void doInit() override {
+      local = createLocalEntity("Dir", "Rex::Dir", "local/dir");
+      localEntitiesCreatedIs(true);
+      auto group = entityManager()->getMountGroup(this);
+      group->doMount(Mount("bridging/config", "Bridging::Config", "r"));
+      group->doClose(false, "", 0.0);
+   }
+   void doMountsComplete(MountStatus status, const Rex::Ptr<EntityManager>& from) override {
+      EXPECT_EQ(status, mountSuccess_);
+      config = Rex::dynamicPtr<Bridging::Config const>(from->getEntity("bridging/config"));
+   }
+   Rex::Ptr<Rex::Entity> local;
+   Rex::Ptr<Bridging::Config const> config;
+};
+
+}  // namespace
+
+TEST_F(StatestoreTest, AnAgentMountsAndFindsItsRedundancyStatus) {
+   auto agent = Rex::make<TestAgent>();
+   agent->doInit();
+   EXPECT_EQ(agent->entityManager()->getEntity("local/dir"), agent->local);
+   EXPECT_FALSE(agent->config);
+   pass();
+   EXPECT_TRUE(agent->config);
+   EXPECT_EQ(agent->redundancyStatus()->mode(), 0);
+   EXPECT_EQ(agent->entityManager()->getEntity("cell/1/redundancy/status").get(),
+             agent->redundancyStatus().get());
+}
+
+TEST_F(StatestoreTest, TogglesComeFromTheContextTheFileOrTheirDefault) {
+   context.runDir = testing::TempDir();
+   std::string path = context.runDir + "/Toggles.json";
+   auto write = [&](const char* text) {
+      FILE* file = fopen(path.c_str(), "w");
+      fputs(text, file);
+      fclose(file);
+   };
+   EXPECT_TRUE(getToggleState("a", "NoSuchFile.json", true));
+   write(R"({"a": false, "b": 1})");
+   EXPECT_FALSE(getToggleState("a", "Toggles.json", true));
+   EXPECT_TRUE(getToggleState("b", "Toggles.json", true));
+   context.toggles["a"] = true;
+   EXPECT_TRUE(getToggleState("a", "Toggles.json", false));
+   for (const char* broken : {"", "{", "[1]"}) {
+      write(broken);
+      EXPECT_FALSE(getToggleState("c", "Toggles.json", false)) << broken;
+   }
+   remove(path.c_str());
+}
