@@ -1,0 +1,57 @@
+#include "Lldp/LldpInputSm/CliPortConfigSm.h"
+
+#include "Lldp/LldpInputSm/PortConfigSync.h"
+#include "Lldp/LldpInputSm/Root.h"
+#include "Rex/Trace.h"
+
+namespace Lldp::Agent::Input {
+namespace {
+
+const Rex::TraceHandle trace("LldpAgent", false);
+
+}  // namespace
+
+CliPortConfigSm::CliPortConfigSm(Lldp::CliPortConfig::PtrConst cliPortConfig,
+                                 Bridging::Config::PtrConst bridgingConfig, Rex::Ptr<Root> root)
+    : cliPortConfig_(std::move(cliPortConfig)),
+      bridgingConfig_(std::move(bridgingConfig)),
+      root_(std::move(root)) {
+   on(cliPortConfig_, CliPortConfig::adminStatusAttr, &CliPortConfigSm::handleAdminStatus);
+   on(cliPortConfig_, CliPortConfig::poeAllocatedPowerFallbackAttr,
+      &CliPortConfigSm::handlePoeAllocatedPowerFallback);
+
+   handleInitialized();
+}
+
+CliPortConfigSm::~CliPortConfigSm() = default;
+
+// A power fallback that stands already stays unwritten until it changes.
+void CliPortConfigSm::handleInitialized() {
+   TRACE(trace, 8, "CliPortConfigSm::handleInitialized() for " << intfId());
+   handleAdminStatus();
+}
+
+// A port that is made later asks for the row's value itself.
+void CliPortConfigSm::handleAdminStatus() {
+   TRACE(trace, 8, "CliPortConfigSm::handleAdminStatus() for " << intfId());
+   if (auto portConfig = root_->config()->portConfig(intfId())) {
+      portAdminStatusIs(portConfig, cliPortConfig_->adminStatus(), bridgingConfig_, root_);
+   }
+}
+
+void CliPortConfigSm::handlePoeAllocatedPowerFallback() {
+   TRACE(trace, 8, "CliPortConfigSm::handlePoeAllocatedPowerFallback() for " << intfId());
+   if (auto portConfig = root_->config()->portConfig(intfId())) {
+      portConfig->poeAllocatedPowerFallbackIs(cliPortConfig_->poeAllocatedPowerFallback());
+   }
+}
+
+// Without the row the port has its default back; the power fallback keeps its last value.
+void CliPortConfigSm::doClose() {
+   TRACE(trace, 8, "CliPortConfigSm::doClose() for " << intfId());
+   if (auto portConfig = root_->config()->portConfig(intfId())) {
+      portAdminStatusIs(portConfig, AdminStatus::txAndRx, bridgingConfig_, root_);
+   }
+}
+
+}  // namespace Lldp::Agent::Input

@@ -1,0 +1,272 @@
+#include "Lldp/LldpInputSm/InputSm.h"
+
+#include <algorithm>
+
+#include "Lldp/LldpInputSm/PortConfigSync.h"
+#include "Lldp/LldpInputSm/Root.h"
+#include "Rex/Assert.h"
+#include "Rex/Trace.h"
+#include "Wirekit/MgmtIntfId.h"
+#include "model/LocalSystem.h"
+
+namespace Lldp::Agent::Input {
+namespace {
+
+const Rex::TraceHandle trace("LldpAgent", false);
+
+// The router's bit of the System Capabilities TLV (IEEE Std 802.1AB-2016, table 8-4).
+constexpr uint16_t routerCapability = 0x10;
+constexpr uint32_t maxTxDelay = 2;  // seconds
+
+// A text's first octets, as many as a TLV holds. Where the cut falls is not looked at.
+BoundedString255 cut(const Rex::String& text) {
+   return BoundedString255(text.substr(0, BoundedString255::maxBytes));
+}
+
+// What the operator's selection of TLVs gives every port.
+struct TlvSelection {
+   EnabledTlvs enabledTlvs;
+   bool mgmtAddrTxEnable = false;
+   bool portVlanTxEnable = false;
+   Dot3EnabledTlvs dot3EnabledTlvs;
+   TiaEnabledTlvs tiaEnabledTlvs;
+
+   explicit TlvSelection(const CliConfig::PtrConst& cliConfig) {
+      getEnabledTlvValues(cliConfig, enabledTlvs, mgmtAddrTxEnable, portVlanTxEnable,
+                          dot3EnabledTlvs, tiaEnabledTlvs);
+   }
+   void write(PortConfig& portConfig) const {
+      portConfig.enabledTlvsIs(enabledTlvs);
+      portConfig.mgmtAddrTxEnableIs(mgmtAddrTxEnable);
+      portConfig.portVlanTxEnableIs(portVlanTxEnable);
+      portConfig.dot3EnabledTlvsIs(dot3EnabledTlvs);
+      portConfig.tiaEnabledTlvsIs(tiaEnabledTlvs);
+   }
+};
+
+}  // namespace
+
+InputSm::InputSm(Interface::AllEthPhyIntfConfigDir::PtrConst ethPhyIntfConfigDir,
+                 Bridging::Config::PtrConst bridgingConfig,
+                 Bridging::HwCapabilities::PtrConst bridgingHwCapabilities,
+                 Ip::Status::PtrConst ipStatus, Ip6::Status::PtrConst ip6Status,
+                 Routing::Config::PtrConst routingConfig, EntityMib::SysDescr::PtrConst sysDescr,
+                 Rex::Dir::PtrConst externalTlvs, System::NetStatus::PtrConst netStatus,
+                 Lldp::CliConfig::PtrConst cliConfig,
+                 Interface::AllIntfStatusDir::PtrConst allIntfStatusDir, Rex::Ptr<Root> root)
+    : ethPhyIntfConfigDir_(std::move(ethPhyIntfConfigDir)),
+      bridgingConfig_(std::move(bridgingConfig)),
+      bridgingHwCapabilities_(std::move(bridgingHwCapabilities)),
+      ipStatus_(std::move(ipStatus)),
+      ip6Status_(std::move(ip6Status)),
+      routingConfig_(std::move(routingConfig)),
+      sysDescr_(std::move(sysDescr)),
+      externalTlvs_(std::move(externalTlvs)),
+      netStatus_(std::move(netStatus)),
+      cliConfig_(std::move(cliConfig)),
+      allIntfStatusDir_(std::move(allIntfStatusDir)),
+      root_(std::move(root)) {
+   on(ethPhyIntfConfigDir_, Interface::AllEthPhyIntfConfigDir::intfConfigAttr,
+      &InputSm::handleIntfConfig);
+   // Here: the switchport configurations of bridgingConfig.
+   on(bridgingConfig_, Bridging::Config::bridgeMacAddrAttr, &InputSm::handleBridgeMacAddr);
+   on(bridgingHwCapabilities_, Bridging::HwCapabilities::maxFrameSizeAttr,
+      &InputSm::handleBridgingMaxFrameSize);
+   // Here: the interfaces of ipStatus and ip6Status.
+   on(routingConfig_, Routing::Config::routingAttr, &InputSm::handleRouting);
+   on(sysDescr_, EntityMib::SysDescr::descriptionAttr, &InputSm::handleDescription);
+   // Here: the providers in externalTlvs.
+   on(netStatus_, System::NetStatus::hostnameAttr, &InputSm::handleHostnameOrDomainName);
+   on(netStatus_, System::NetStatus::domainNameAttr, &InputSm::handleHostnameOrDomainName);
+   // Here: the interfaces of allIntfStatusDir, for their addresses.
+   on(cliConfig_, CliConfig::messageTxIntervalAttr, &InputSm::handleMessageTxInterval);
+   on(cliConfig_, CliConfig::messageTxHoldTimeAttr, &InputSm::handleMessageTxHoldTime);
+   on(cliConfig_, CliConfig::reinitDelayAttr, &InputSm::handleReinitDelay);
+   on(cliConfig_, CliConfig::tlvPortDescAttr, &InputSm::handleEnabledTlvs);
+   on(cliConfig_, CliConfig::tlvSysNameAttr, &InputSm::handleEnabledTlvs);
+   on(cliConfig_, CliConfig::tlvSysDescAttr, &InputSm::handleEnabledTlvs);
+   on(cliConfig_, CliConfig::tlvSysCapAttr, &InputSm::handleEnabledTlvs);
+   on(cliConfig_, CliConfig::tlvMgmtAddrAttr, &InputSm::handleEnabledTlvs);
+   on(cliConfig_, CliConfig::tlvPortVlanAttr, &InputSm::handleEnabledTlvs);
+   on(cliConfig_, CliConfig::tlvLinkAggregationAttr, &InputSm::handleEnabledTlvs);
+   on(cliConfig_, CliConfig::tlvMaximumFrameSizeAttr, &InputSm::handleEnabledTlvs);
+   on(cliConfig_, CliConfig::tlvPowerViaMdiAttr, &InputSm::handleEnabledTlvs);
+   on(cliConfig_, CliConfig::tlvNetworkPolicyAttr, &InputSm::handleEnabledTlvs);
+   // Here: mgmtAddrTxOption and ip6MgmtAddrIntfName.
+   on(cliConfig_, CliConfig::enabledAttr, &InputSm::handleEnabled);
+   on(cliConfig_, CliConfig::cliPortConfigAttr, &InputSm::handleCliPortConfig);
+   // Here: mgmtAddrVrf.
+   on(cliConfig_, CliConfig::rxTaggedPacketsDropAttr, &InputSm::handleRxTaggedPacketsDrop);
+
+   handleInitialized();
+}
+
+InputSm::~InputSm() = default;
+
+// One full pass over everything that stands. The frame size takes no part: a port gets it when it
+// is made.
+void InputSm::handleInitialized() {
+   TRACE(trace, 8, "InputSm::handleInitialized()");
+   if (ethPhyIntfConfigDir_) {
+      for (auto [intfId, row] : ethPhyIntfConfigDir_->intfConfig()) handleIntfConfig(intfId);
+   }
+   handleBridgeMacAddr();
+   // Here: switchport configurations, then the VRF of management addresses, then the interfaces'
+   // IPv4 addresses.
+   handleRouting();
+   handleDescription();
+   // Here: providers of external TLVs.
+   handleHostnameOrDomainName();
+   handleMessageTxInterval();
+   handleMessageTxHoldTime();
+   handleReinitDelay();
+   handleEnabledTlvs();
+   // Here: which management addresses go out.
+   handleRxTaggedPacketsDrop();
+   handleEnabled();
+}
+
+void InputSm::handleIntfConfig(const Wirekit::IntfId& intfId) {
+   TRACE(trace, 8, "InputSm::handleIntfConfig( " << intfId << " )");
+   if (auto row = ethPhyIntfConfigDir_->intfConfig(intfId)) {
+      auto standing = ethPhyIntfConfigSm(intfId);
+      if (standing && standing->ethPhyIntfConfig() == row) return;  // adopted before its report
+      REX_ASSERT(!ethPhyIntfConfigSmHas(intfId));
+      ethPhyIntfConfigSmIs(intfId, row, root_);
+   } else {
+      REX_ASSERT(ethPhyIntfConfigSmHas(intfId));
+      ethPhyIntfConfigSmDel(intfId);
+   }
+}
+
+// The chassis is always told by the bridge's MAC address.
+void InputSm::handleBridgeMacAddr() {
+   TRACE(trace, 8, "InputSm::handleBridgeMacAddr()");
+   const Wirekit::EthAddr& addr = bridgingConfig_->bridgeMacAddr();
+   std::string octets;
+   for (size_t i = 0; i < Wirekit::EthAddr::size; ++i) octets += static_cast<char>(addr.byte(i));
+   root_->localSystem()->chassisIdentifierIs(
+       {ChassisIdSubtype::macAddress, ChassisId(Rex::String(octets))});
+   // Here: the fallback management address, made of the same octets.
+}
+
+// Management ports follow their own MTU instead.
+void InputSm::handleBridgingMaxFrameSize() {
+   TRACE(trace, 8, "InputSm::handleBridgingMaxFrameSize()");
+   MaximumFrameSizeInfo info{bridgingHwCapabilities_->maxFrameSize()};
+   for (auto [intfId, localPort] : root_->localSystem()->localPort()) {
+      if (!Wirekit::MgmtIntfId::isMgmtIntfId(intfId)) localPort->maximumFrameSizeInfoIs(info);
+   }
+}
+
+// The switch is a router when routing is configured, whether or not an interface is routed.
+void InputSm::handleRouting() {
+   TRACE(trace, 8, "InputSm::handleRouting()");
+   const auto& localSystem = root_->localSystem();
+   uint16_t enabled = localSystem->sysCapEnabled().value();
+   if (routingConfig_->routing()) {
+      enabled |= routerCapability;
+   } else {
+      enabled &= static_cast<uint16_t>(~routerCapability);
+   }
+   localSystem->sysCapEnabledIs(enabled);
+}
+
+void InputSm::handleDescription() {
+   TRACE(trace, 8, "InputSm::handleDescription()");
+   root_->localSystem()->sysDescIs(cut(sysDescr_->description()));
+}
+
+// The host name is not examined: an empty one with a domain gives a name that begins with the dot,
+// and a long domain loses its tail.
+void InputSm::handleHostnameOrDomainName() {
+   TRACE(trace, 8, "InputSm::handleHostnameOrDomainName()");
+   Rex::String name = netStatus_->hostname();
+   if (!netStatus_->domainName().empty()) {
+      name += Rex::String(".") + netStatus_->domainName();
+   }
+   root_->localSystem()->sysNameIs(cut(name));
+}
+
+// The engine relies on an interval that is not shorter than the delay, so the interval comes first.
+void InputSm::handleMessageTxInterval() {
+   TRACE(trace, 8, "InputSm::handleMessageTxInterval()");
+   const auto& config = root_->config();
+   config->messageTxIntervalIs(cliConfig_->messageTxInterval());
+   config->txDelayIs(std::min(cliConfig_->messageTxInterval(), maxTxDelay));
+}
+
+void InputSm::handleMessageTxHoldTime() {
+   TRACE(trace, 8, "InputSm::handleMessageTxHoldTime()");
+   root_->config()->messageTxHoldTimeIs(cliConfig_->messageTxHoldTime());
+}
+
+void InputSm::handleReinitDelay() {
+   TRACE(trace, 8, "InputSm::handleReinitDelay()");
+   root_->config()->reinitDelayIs(cliConfig_->reinitDelay());
+}
+
+void InputSm::handleRxTaggedPacketsDrop() {
+   TRACE(trace, 8, "InputSm::handleRxTaggedPacketsDrop()");
+   root_->config()->rxTaggedPacketsDropIs(cliConfig_->rxTaggedPacketsDrop());
+}
+
+void InputSm::handleEnabledTlvs() {
+   TRACE(trace, 8, "InputSm::handleEnabledTlvs()");
+   TlvSelection selection(cliConfig_);
+   for (auto [intfId, portConfig] : root_->config()->portConfig()) selection.write(*portConfig);
+}
+
+// No port comes or goes here: the switch moves the ports' status alone.
+void InputSm::handleEnabled() {
+   TRACE(trace, 8, "InputSm::handleEnabled()");
+   if (cliConfig_->enabled()) {
+      for (auto [intfId, row] : cliConfig_->cliPortConfig()) handleCliPortConfig(intfId);
+   } else {
+      for (auto [intfId, sm] : cliPortConfigSm()) cliPortConfigSmDel(intfId);
+   }
+   for (auto [intfId, portConfig] : root_->config()->portConfig()) {
+      doSyncPortConfigAdminStatus(portConfig);
+      // Here: the port's network policies.
+   }
+}
+
+void InputSm::handleCliPortConfig(const Wirekit::IntfId& intfId) {
+   TRACE(trace, 8, "InputSm::handleCliPortConfig( " << intfId << " )");
+   if (!cliConfig_->enabled()) return;
+   if (auto row = cliConfig_->cliPortConfig(intfId)) {
+      auto standing = cliPortConfigSm(intfId);
+      if (standing && standing->cliPortConfig() == row) return;  // adopted before its report
+      REX_ASSERT(!cliPortConfigSmHas(intfId));
+      cliPortConfigSmIs(intfId, row, bridgingConfig_, root_);
+   } else {
+      REX_ASSERT(cliPortConfigSmHas(intfId));
+      cliPortConfigSmDel(intfId);
+   }
+}
+
+void InputSm::doSyncPortConfig(const PortConfig::Ptr& portConfig) {
+   TlvSelection(cliConfig_).write(*portConfig);
+   doSyncPortConfigAdminStatus(portConfig);
+   // Here: the port's network policies.
+}
+
+void InputSm::doSyncPortConfigAdminStatus(const PortConfig::Ptr& portConfig) {
+   AdminStatus requested = AdminStatus::txAndRx;
+   if (!cliConfig_->enabled()) {
+      requested = AdminStatus::disabled;
+   } else if (auto sm = cliPortConfigSm(portConfig->intfId())) {
+      requested = sm->cliPortConfig()->adminStatus();
+   }
+   portAdminStatusIs(portConfig, requested, bridgingConfig_, root_);
+}
+
+// What was written into Config and LocalSystem stays.
+void InputSm::doClose() {
+   TRACE(trace, 8, "InputSm::doClose()");
+   // Here: IPv4 interfaces, switchport configurations, providers of external TLVs.
+   for (auto [intfId, sm] : ethPhyIntfConfigSm()) ethPhyIntfConfigSmDel(intfId);
+   for (auto [intfId, sm] : cliPortConfigSm()) cliPortConfigSmDel(intfId);
+}
+
+}  // namespace Lldp::Agent::Input

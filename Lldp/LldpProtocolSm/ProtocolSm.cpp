@@ -1,0 +1,93 @@
+#include "Lldp/LldpProtocolSm/ProtocolSm.h"
+
+#include "Lldp/LldpProtocolSm/Root.h"
+#include "Rex/System.h"
+#include "Rex/Trace.h"
+
+namespace Lldp::Agent::Protocol {
+namespace {
+
+const Rex::TraceHandle trace("LldpAgent", false);
+
+}  // namespace
+
+// `ip6ManagementAddress` is not watched: a new one goes out with the next regular frame.
+ProtocolSm::ProtocolSm(Interface::EthDevPamCollection::Ptr pamCollection,
+                       Lldp::LocalSystem::PtrConst localSystem, Rex::Ptr<Root> root,
+                       Interface::AllEthPhyIntfStatusDir::PtrConst ethPhyIntfStatusDir,
+                       Lldp::Config::PtrConst config, Lldp::Status::PtrConst status)
+    : pamCollection_(std::move(pamCollection)),
+      localSystem_(std::move(localSystem)),
+      root_(std::move(root)),
+      ethPhyIntfStatusDir_(std::move(ethPhyIntfStatusDir)),
+      config_(std::move(config)),
+      status_(std::move(status)) {
+   on(pamCollection_, Interface::EthDevPamCollection::intfPamAttr, &ProtocolSm::handlePam);
+   on(ethPhyIntfStatusDir_, Interface::AllEthPhyIntfStatusDir::intfStatusAttr,
+      &ProtocolSm::handlePam);
+   on(config_, Config::portConfigAttr, &ProtocolSm::handlePam);
+   on(status_, Status::portStatusAttr, &ProtocolSm::handlePam);
+   on(localSystem_, LocalSystem::localPortAttr, &ProtocolSm::handleLocalPort);
+   on(localSystem_, LocalSystem::chassisIdentifierAttr, &ProtocolSm::handleLocalSystemAttrs);
+   on(localSystem_, LocalSystem::sysNameAttr, &ProtocolSm::handleLocalSystemAttrs);
+   on(localSystem_, LocalSystem::sysDescAttr, &ProtocolSm::handleLocalSystemAttrs);
+   on(localSystem_, LocalSystem::sysCapSupportedAttr, &ProtocolSm::handleLocalSystemAttrs);
+   on(localSystem_, LocalSystem::sysCapEnabledAttr, &ProtocolSm::handleLocalSystemAttrs);
+   on(localSystem_, LocalSystem::managementAddressAttr, &ProtocolSm::handleLocalSystemAttrs);
+   on(localSystem_, LocalSystem::managementAddressPrioAttr, &ProtocolSm::handleLocalSystemAttrs);
+
+   handleInitialized();
+}
+
+ProtocolSm::~ProtocolSm() = default;
+
+void ProtocolSm::handleInitialized() {
+   TRACE(trace, 8, "ProtocolSm::handleInitialized()");
+   // The packet manager is not enabled yet, so no port is complete.
+   REX_ASSERT(pamCollection()->intfPams() == 0);
+   for (auto [intfId, localPort] : localSystem()->localPort()) handleLocalPort(intfId);
+}
+
+void ProtocolSm::handlePam(const Wirekit::IntfId& intfId) {
+   auto pam = pamCollection()->intfPam(intfId);
+   auto portConfig = config()->portConfig(intfId);
+   auto portStatus = status()->portStatus(intfId);
+   auto ethPhyIntfStatus = ethPhyIntfStatusDir()->intfStatus(intfId);
+   bool complete = pam && portConfig && portStatus && ethPhyIntfStatus;
+
+   if (auto sm = lldpPamSm(intfId)) {
+      // One reaction may add several of the four. The first one reported made the machine, which
+      // is none of the others' concern. It may also replace one of the four under its key: that is
+      // the loss of what the machine stands on.
+      if (complete && sm->standsOn(pam, portConfig, portStatus, ethPhyIntfStatus)) return;
+      lldpPamSmDel(intfId);
+   }
+   if (!complete) return;
+   REX_ASSERT(!lldpPamSmHas(intfId));
+   auto clock = Rex::ActivityFacility::activityManagerConfig().clock();
+   lldpPamSmIs(intfId, intfId, pam, root(), clock, clock, clock);
+}
+
+void ProtocolSm::handleLocalPort(const Wirekit::IntfId& intfId) {
+   if (auto localPort = localSystem()->localPort(intfId)) {
+      // One reaction may replace the port under its key; its machine watches the old one then.
+      if (auto sm = localPortSm(intfId); sm && sm->localPort() != localPort) localPortSmDel(intfId);
+      REX_ASSERT(!localPortSmHas(intfId));
+      localPortSmIs(intfId, localPort, root());
+   } else {
+      REX_ASSERT(localPortSmHas(intfId));
+      localPortSmDel(intfId);
+   }
+}
+
+void ProtocolSm::handleLocalSystemAttrs() {
+   TRACE(trace, 8, "ProtocolSm::handleLocalSystemAttrs()");
+   for (auto [intfId, sm] : lldpPamSm()) sm->doProcessSomethingChangedLocal();
+}
+
+void ProtocolSm::doClose() {
+   lldpPamSm_.clear();
+   localPortSm_.clear();
+}
+
+}  // namespace Lldp::Agent::Protocol

@@ -1,0 +1,168 @@
+// Whole agents on the embedded store, joined by simulated wires, with time that is moved by hand.
+//
+//   World world;
+//   auto& a = world.agent("a");
+//   auto& b = world.agent("b");
+//   a.port("Ethernet1").joins(b.port("Ethernet2"));
+//   world.run(3);
+//   EXPECT_THAT(a.port("Ethernet1").neighbors(), ElementsAre("b Ethernet2"));
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Interface/Segment.h"
+#include "Interface/SegmentPam.h"
+#include "Lldp/LldpAgent/Agent.h"
+#include "Rex/EntityType.h"
+#include "Statestore/Tree.h"
+#include "support/TestContext.h"
+
+namespace LldpTest {
+
+class Supervisor;
+class World;
+
+// A wire that keeps what was sent on it.
+class Wire : public Interface::Segment {
+ public:
+   explicit Wire(const Rex::Ptr<Rex::Clock>& clock) : Segment(clock) {
+      tap = [this](const Frame& frame) { frames.push_back(frame); };
+   }
+   std::vector<Frame> frames;
+};
+
+// What a frame's first TLV of a type holds; "none" without one.
+std::string tlvIn(const Interface::Segment::Frame& frame, unsigned type);
+
+// An interface of a supervisor: its rows, as the switch would write them, and its cable.
+class Port {
+ public:
+   Port(Supervisor& supervisor, const std::string& name, int ifIndex);
+
+   const Wirekit::IntfId& intfId() const { return intfId_; }
+   // A new wire between the two.
+   Wire& joins(Port& other);
+   void plug(const Rex::Ptr<Wire>& wire);
+   void linkIs(bool up);
+   void forwardingModelIs(Interface::IntfForwardingModel model) { phy_->forwardingModelIs(model); }
+   // The interface's rows come, with the link up, or go. In which order is for the switch to say:
+   // `rotation` is the row that is the first, of 3.
+   void enter(int rotation = 0);
+   void leave(int rotation = 0);
+   bool present() const { return bool(phy_); }
+   const Interface::EthPhyIntfStatus::Ptr& phy() const { return phy_; }
+
+   Lldp::PortConfig::Ptr config() const;
+   Lldp::LocalPort::Ptr local() const;
+   Lldp::PortStatus::Ptr status() const;
+   // "<system name> <port>" of each neighbour, in order.
+   std::vector<std::string> neighbors() const;
+   // The only neighbour; null when there is none, or more than one.
+   Lldp::RemoteSystem::Ptr neighbor() const;
+
+ private:
+   struct Dirs {
+      Interface::AllIntfStatusDir::Ptr all;
+      Interface::AllIntfStatusLocalDir::Ptr local;
+      Interface::AllEthPhyIntfStatusDir::Ptr phy;
+   };
+   Dirs dirs() const;
+
+   Supervisor& supervisor_;
+   const Wirekit::IntfId intfId_;
+   const int ifIndex_;
+   Interface::EthPhyIntfStatus::Ptr phy_;
+};
+
+// A supervisor with its agent. The store outlives the agent.
+class Supervisor {
+ public:
+   // Two supervisors of one chassis share their store.
+   Supervisor(World& world, const std::string& name, int cell,
+              std::shared_ptr<Statestore::Tree> store);
+   ~Supervisor();
+
+   // Makes the agent and lets it ask for its mounts, which are done as soon as the world runs.
+   void start();
+   // Stops the agent in order and lets go of it.
+   void stop();
+   Lldp::Agent::Agent* agent() const { return agent_.get(); }
+
+   // The interface of that name; it is made, and its rows come, at the first mention.
+   Port& port(const std::string& name);
+   const std::map<std::string, std::unique_ptr<Port>>& ports() const { return ports_; }
+
+   // The entity at a path of the store; it is made at the first mention.
+   template <class T>
+   Rex::Ptr<T> at(const Rex::String& path) {
+      return Rex::dynamicPtr<T>(store_->entityIs(path.view(), T::staticType().name()));
+   }
+   Rex::String cellPath(const char* path) const {
+      return Rex::format("cell/%d/%s", context_.cellId, path);
+   }
+   Lldp::CliConfig::Ptr cli() { return at<Lldp::CliConfig>("l2discovery/lldp/cliConfig"); }
+   Lldp::CliPortConfig::Ptr cli(const std::string& port) {
+      return cli()->cliPortConfigIs(Wirekit::IntfId(port));
+   }
+   Lldp::Config::Ptr config() { return at<Lldp::Config>("l2discovery/lldp/config"); }
+   Lldp::LocalSystem::Ptr localSystem() {
+      return at<Lldp::LocalSystem>("l2discovery/lldp/localSystem");
+   }
+   Lldp::Status::Ptr status();
+   Bridging::Config::Ptr bridging() { return at<Bridging::Config>("bridging/config"); }
+   System::NetStatus::Ptr netStatus() { return at<System::NetStatus>(cellPath("sys/net/status")); }
+   Identity::Dot1x::Status::Ptr dot1x() {
+      return at<Identity::Dot1x::Status>("identity/dot1x/status");
+   }
+   void redundancyIs(Redundancy::Protocol protocol, Redundancy::Mode mode);
+   void clearNeighbors(double requestTime);
+
+   // In the world, from 1; it stands in the MAC addresses of the switch and its ports.
+   int number() const { return number_; }
+   Rex::Context& context() { return context_; }
+   World& world() { return world_; }
+   Interface::SegmentPamMaker& devices() { return *devices_; }
+   // "<name>: <text>" of each event so far, which are forgotten.
+   std::vector<std::string> takeLogs() { return std::exchange(logs_, {}); }
+
+ private:
+   World& world_;
+   const std::string name_;
+   const int number_;
+   const std::shared_ptr<Statestore::Tree> store_;
+   const std::shared_ptr<Interface::SegmentPamMaker> devices_;
+   Rex::Context context_;
+   std::vector<std::string> logs_;
+   std::map<std::string, std::unique_ptr<Port>> ports_;
+   Lldp::Agent::Agent::Ptr agent_;
+};
+
+class World {
+ public:
+   World();
+   ~World();
+
+   // A switch of one supervisor, whose host and system name is `name`; its agent starts.
+   Supervisor& agent(const std::string& name);
+   // Two supervisors of one chassis, cells 1 and 2, which have not started.
+   std::pair<Supervisor&, Supervisor&> chassis(const std::string& name);
+   Rex::Ptr<Wire> wire() { return Rex::make<Wire>(base_.context().clock()); }
+
+   void run(double seconds) { base_.advance(seconds); }
+   double now() const { return base_.now(); }
+   const Rex::Ptr<Rex::Clock>& clock() { return base_.context().clock(); }
+   const std::string& folder() const { return folder_; }
+   const std::vector<std::unique_ptr<Supervisor>>& supervisors() const { return supervisors_; }
+
+ private:
+   Supervisor& add(const std::string& name, int cell, std::shared_ptr<Statestore::Tree> store);
+
+   TestContext base_;
+   std::string folder_;
+   std::vector<std::unique_ptr<Supervisor>> supervisors_;
+};
+
+}  // namespace LldpTest

@@ -1,0 +1,28 @@
+#include "support/AllocationCount.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+size_t allocations = 0;
+}  // namespace
+
+size_t LldpTest::allocationCount() {
+   return allocations;
+}
+
+#ifndef __SANITIZE_ADDRESS__
+
+void* operator new(size_t size) {
+   ++allocations;
+   if (void* memory = std::malloc(size)) return memory;
+   throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept {
+   std::free(memory);
+}
+void operator delete(void* memory, size_t) noexcept {
+   std::free(memory);
+}
+
+#endif

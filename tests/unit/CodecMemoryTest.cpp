@@ -1,0 +1,101 @@
+// What a frame costs in memory: nothing from the system in steady state, little for a neighbour.
+#include <gtest/gtest.h>
+
+#include "Lldp/LldpProtocol/TxLldpdu.h"
+#include "Lldp/LldpProtocolSm/Root.h"
+#include "Rex/Pool.h"
+#include "support/AllocationCount.h"
+#include "support/CodecPort.h"
+#include "support/FrameBuilder.h"
+#include "support/TestContext.h"
+
+namespace {
+
+using namespace LldpTest;
+
+std::vector<std::string> frames() {
+   std::string longest = mandatory(3);
+   while (longest.size() < 1400) longest += organization(0xABCDEF, 7, std::string(20, 'x'));
+   return {typicalLldpdu(1),
+           mandatory(2) + managementAddress(1, "addr", 7, "\x2B\x06\x01\x04\x01") + tlv(99, "?"),
+           longest};
+}
+
+TEST(CodecMemory, RefreshAllocatesNothing) {
+   TestContext context;
+   CodecPort port;
+   auto receiveAll = [&](std::vector<std::string>& all) {
+      for (auto& lldpdu : all) {
+         Lldp::Agent::processRxLldpdu(lldpdu.data(), lldpdu.data() + lldpdu.size(), port.portConfig,
+                                      port.status, port.portStatus, port.srcAddr);
+      }
+   };
+   auto all = frames();
+   for (int i = 0; i < 3; ++i) receiveAll(all);
+   size_t memory = Rex::Pool::inUse();
+   size_t before = allocationCount();
+   for (int i = 0; i < 1000; ++i) {
+      context.timeIs(context.now() + 1);
+      receiveAll(all);
+   }
+   EXPECT_EQ(allocationCount(), before);
+   EXPECT_EQ(Rex::Pool::inUse(), memory);
+   EXPECT_EQ(port.portStatus->rxFramesTotal(), 3009u);
+   EXPECT_EQ(port.portStatus->remoteSystems(), 3u);
+}
+
+TEST(CodecMemory, BuildingAllocatesNothing) {
+   TestContext context;
+   CodecPort port;
+   auto localSystem = Rex::make<Lldp::LocalSystem>();
+   localSystem->chassisIdentifierIs(
+       {Lldp::ChassisIdSubtype::macAddress, Lldp::ChassisId("abcdef", 6)});
+   Lldp::ManagementAddress address;
+   address.key = {1, Lldp::ManAddress("addr", 4)};
+   localSystem->managementAddressIs(address);
+   localSystem->managementAddressPrioIs({}, address.key);
+   auto localPort = localSystem->localPortIs(port.intfId);
+   localPort->portIdentifierIs({Lldp::PortIdSubtype::interfaceName, Lldp::PortId("Et7", 3)});
+   localPort->unknownOrgDefTlvIs({{{0xABCDEF}, 1, 1}, {}});
+   port.portConfig->mgmtAddrTxEnableIs(true);
+   auto root = Rex::make<Lldp::Agent::Protocol::Root>("protocolRoot");
+   root->configIs(port.config);
+   root->localSystemIs(localSystem);
+   char buffer[1500];
+   size_t before = 0;
+   for (int i = 0; i < 100; ++i) {
+      if (i == 1) before = allocationCount();
+      Lldp::Agent::buildTxLldpdu(buffer, buffer + sizeof buffer, root, localPort, port.portConfig,
+                                 port.portStatus);
+   }
+   EXPECT_EQ(allocationCount(), before);
+}
+
+TEST(CodecMemory, TypicalNeighbourFitsFourKibibytes) {
+   ASSERT_EQ(typicalLldpdu().size(), 250u);
+   TestContext context;
+   CodecPort port;
+   size_t before = Rex::Pool::inUse();
+   for (uint32_t n = 0; n < 256; ++n) port.receive(typicalLldpdu(n));
+   EXPECT_EQ(port.portStatus->remoteSystems(), 256u);
+   EXPECT_LE((Rex::Pool::inUse() - before) / 256, 4096u);
+   for (uint32_t n = 0; n < 256; ++n) port.receive(mandatory(n, 0));
+   EXPECT_EQ(port.portStatus->remoteSystems(), 0u);
+}
+
+// A refused frame leaves nothing behind.
+TEST(CodecMemory, FatalFramesLeakNothing) {
+   TestContext context;
+   CodecPort port;
+   port.receive(typicalLldpdu());
+   std::string fatal = typicalLldpdu();
+   fatal.resize(fatal.size() - 2);
+   fatal += timeToLive(1);
+   port.receive(fatal);
+   size_t memory = Rex::Pool::inUse();
+   for (int i = 0; i < 100; ++i) port.receive(fatal);
+   EXPECT_EQ(Rex::Pool::inUse(), memory);
+   EXPECT_EQ(port.portStatus->rxFramesDiscardedTotal(), 101u);
+}
+
+}  // namespace
