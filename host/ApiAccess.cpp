@@ -1,0 +1,36 @@
+#include "host/ApiAccess.h"
+
+#include "Rex/System.h"
+#include "model/CliConfig.h"
+
+namespace Host {
+
+std::string ApiAccess::refusal(const std::string& root) const {
+   if (entityManager_->mountFlags(root).find('w') != std::string::npos) {
+      return "'" + root + "' is written by the agent and cannot be changed here";
+   }
+   if (fed_.contains(root)) {
+      return "'" + root + "' is written by a feeder and cannot be changed here (see --feeders)";
+   }
+   return {};
+}
+
+std::string_view ApiAccess::entryType(std::string_view root) {
+   if (root == "l2discovery/lldp/externalTlvs") {
+      return Lldp::ExternalTlvConfig::staticType().name();
+   }
+   return {};
+}
+
+void ApiAccess::stamp(const Rex::EntityType& type, Rex::Json& attributes) {
+   if (&type != &Lldp::RemTablesCliConfig::staticType() || !attributes.is_object()) return;
+   auto request = attributes.find("remTablesClearRequest");
+   if (request == attributes.end() || !request->is_object()) return;
+   // An infinite time, which null would be, could never be followed by another request.
+   auto time = request->find("requestTime");
+   if (time == request->end() || time->is_null()) {
+      (*request)["requestTime"] = Rex::System::currentTime();
+   }
+}
+
+}  // namespace Host

@@ -1,0 +1,35 @@
+// Who may change what through the management API, and what the API adds to an operator's words.
+#pragma once
+
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "Rex/EntityType.h"
+#include "Statestore/EntityManager.h"
+
+namespace Host {
+
+class ApiAccess {
+ public:
+   // `fed`: the paths that the host's own feeders write.
+   ApiAccess(Rex::Ptr<Statestore::EntityManager> entityManager, std::set<std::string> fed)
+       : entityManager_(std::move(entityManager)), fed_(std::move(fed)) {}
+
+   // Why the entity at a path of the store, and what is below it, is not the operator's to change;
+   // empty when it is. Nobody but its writer changes what the agent or a feeder writes.
+   std::string refusal(const std::string& root) const;
+
+   // The type of an entry that is made in the directory at `root` when the request names none;
+   // empty where that is not known.
+   static std::string_view entryType(std::string_view root);
+
+   // Stamps an operator's request with its time, where that was left out.
+   static void stamp(const Rex::EntityType& type, Rex::Json& attributes);
+
+ private:
+   const Rex::Ptr<Statestore::EntityManager> entityManager_;
+   const std::set<std::string> fed_;
+};
+
+}  // namespace Host

@@ -1,0 +1,202 @@
+#include "host/ApiConnection.h"
+
+#include <sys/epoll.h>
+#include <sys/socket.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include <array>
+#include <boost/beast/core/buffers_range.hpp>
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/http/parser.hpp>
+#include <boost/beast/http/serializer.hpp>
+#include <boost/beast/http/string_body.hpp>
+#include <cerrno>
+#include <optional>
+
+#include "host/ApiResources.h"
+
+namespace Host {
+namespace http = boost::beast::http;
+
+namespace {
+
+constexpr size_t readBytes = 64 * 1024;
+
+bool wouldWait() {
+   return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
+}
+
+}  // namespace
+
+struct ApiConnection::Http {
+   using Response = http::response<http::string_body>;
+
+   boost::beast::flat_buffer input;
+   std::optional<http::request_parser<http::string_body>> parser;
+   std::optional<Response> response;
+   std::optional<http::response_serializer<http::string_body>> serializer;
+
+   void expectRequest(const ApiLimits& limits) {
+      parser.emplace();
+      parser->eager(true);
+      parser->header_limit(limits.headerBytes);
+      parser->body_limit(limits.bodyBytes);
+   }
+   void respond(Response&& made) {
+      serializer.reset();
+      response.emplace(std::move(made));
+      serializer.emplace(*response);
+   }
+};
+
+ApiConnection::ApiConnection(int fd, const ApiLimits& limits, ApiResources& resources)
+    : fd_(fd), limits_(limits), resources_(resources), http_(std::make_unique<Http>()) {
+   http_->expectRequest(limits_);
+}
+
+ApiConnection::~ApiConnection() {
+   close(fd_);
+}
+
+uint32_t ApiConnection::events() const {
+   // The socket has room as good as always, so waiting for it is how a turn is asked for.
+   bool write = state_ == State::answering || state_ == State::pending;
+   return write ? EPOLLOUT : EPOLLIN;
+}
+
+void ApiConnection::serve(double now) {
+   now_ = now;
+   switch (state_) {
+      case State::reading:
+         read();
+         break;
+      case State::pending:
+         parse();
+         break;
+      case State::answering:
+         send();
+         break;
+      case State::draining:
+         drain();
+         break;
+      case State::done:
+         break;
+   }
+}
+
+void ApiConnection::read() {
+   auto space = http_->input.prepare(readBytes);
+   ssize_t got = recv(fd_, space.data(), space.size(), MSG_DONTWAIT);
+   if (got < 0 && wouldWait()) return;
+   if (got <= 0) {
+      state_ = State::done;
+      return;
+   }
+   if (deadline_ == Rex::never) deadline_ = now_ + limits_.requestSeconds;
+   http_->input.commit(static_cast<size_t>(got));
+   parse();
+}
+
+void ApiConnection::parse() {
+   auto& parser = *http_->parser;
+   state_ = State::reading;
+   boost::beast::error_code error;
+   while (http_->input.size() && !parser.is_done()) {
+      http_->input.consume(parser.put(http_->input.data(), error));
+      if (error == http::error::need_more) break;
+      if (error == http::error::header_limit) {
+         return refuse(
+             431, "the header is longer than " + std::to_string(limits_.headerBytes) + " octets");
+      }
+      if (error == http::error::body_limit) {
+         return refuse(413,
+                       "the body is longer than " + std::to_string(limits_.bodyBytes) + " octets");
+      }
+      if (error) return refuse(400, "no HTTP/1.1 request: " + error.message());
+   }
+   if (!parser.is_done()) return;
+   auto& request = parser.get();
+   answer(resources_.serve({std::string(request.method_string()), std::string(request.target()),
+                            std::move(request.body())}),
+          parser.keep_alive());
+}
+
+// What is left of the input cannot be told apart any more, so the connection ends with the answer.
+void ApiConnection::refuse(unsigned status, const std::string& words) {
+   answer(ApiResources::refusal({}, ApiError(status, words)), false);
+}
+
+void ApiConnection::answer(const ApiAnswer& answer, bool keepAlive) {
+   Http::Response response(static_cast<http::status>(answer.status), 11);
+   if (!answer.body.is_null()) {
+      response.set(http::field::content_type, "application/json");
+      response.body() = answer.body.dump(-1, ' ', false, Rex::Json::error_handler_t::replace);
+      response.body() += '\n';
+   }
+   if (response.body().size() > limits_.answerBytes) {
+      ApiError large(400, "the answer would be longer than " + std::to_string(limits_.answerBytes) +
+                              " octets; ask for a member, or with ?depth=1");
+      return this->answer(ApiResources::refusal({}, large), keepAlive);
+   }
+   if (!answer.allow.empty()) response.set(http::field::allow, answer.allow);
+   response.keep_alive(keepAlive);
+   // Where there can be no content, not even its length is told (RFC 9110, 8.6).
+   if (response.result() != http::status::no_content) response.prepare_payload();
+   http_->respond(std::move(response));
+   state_ = State::answering;
+   send();
+}
+
+void ApiConnection::send() {
+   auto& serializer = *http_->serializer;
+   while (!serializer.is_done()) {
+      ssize_t gone = 0;
+      boost::beast::error_code error;
+      serializer.next(error, [&](boost::beast::error_code&, const auto& buffers) {
+         std::array<iovec, 16> parts;
+         size_t count = 0;
+         for (auto buffer : boost::beast::buffers_range_ref(buffers)) {
+            if (count == parts.size()) break;
+            parts[count++] = {const_cast<void*>(buffer.data()), buffer.size()};
+         }
+         msghdr message{};
+         message.msg_iov = parts.data();
+         message.msg_iovlen = count;
+         gone = sendmsg(fd_, &message, MSG_DONTWAIT | MSG_NOSIGNAL);
+      });
+      if (gone < 0 && wouldWait()) return;
+      if (gone < 0 || error) {
+         state_ = State::done;
+         return;
+      }
+      serializer.consume(static_cast<size_t>(gone));
+   }
+   sent();
+}
+
+void ApiConnection::sent() {
+   bool goesOn = http_->response->keep_alive();
+   http_->serializer.reset();
+   http_->response.reset();
+   if (!goesOn) {
+      // The deadline goes on: the client has until then to read the answer and to hang up.
+      shutdown(fd_, SHUT_WR);
+      state_ = State::draining;
+      return;
+   }
+   http_->expectRequest(limits_);
+   bool more = http_->input.size() > 0;
+   state_ = more ? State::pending : State::reading;
+   deadline_ = more ? now_ + limits_.requestSeconds : Rex::never;
+   idleSince_ = now_;
+   if (!more) http_->input.shrink_to_fit();
+}
+
+void ApiConnection::drain() {
+   std::array<char, 4096> lost;
+   ssize_t got = recv(fd_, lost.data(), lost.size(), MSG_DONTWAIT);
+   if (got == 0 || (got < 0 && !wouldWait())) state_ = State::done;
+}
+
+}  // namespace Host

@@ -1,0 +1,146 @@
+#include "host/Daemon.h"
+
+#include <signal.h>
+#include <sys/epoll.h>
+#include <sys/signalfd.h>
+#include <sys/socket.h>
+#include <systemd/sd-daemon.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "Rex/Dispatcher.h"
+#include "Rex/System.h"
+#include "host/File.h"
+#include "host/LinuxTime.h"
+#include "host/Outlets.h"
+#include "host/StartError.h"
+
+namespace Host {
+namespace {
+
+// The folders have to be there before the clock, which keeps its anchor in one of them.
+Rex::Ptr<Rex::Clock> makeClock(const Options& options) {
+   writableFolder(options.runDir, "the run-time folder");
+   writableFolder(options.stateDir, "the state folder");
+   return Rex::make<Rex::Clock>(std::make_shared<LinuxTime>(options.runDir));
+}
+
+sigset_t stopSignals() {
+   sigset_t set;
+   sigemptyset(&set);
+   sigaddset(&set, SIGTERM);
+   sigaddset(&set, SIGINT);
+   return set;
+}
+
+}  // namespace
+
+Daemon::Daemon(const Options& options)
+    : options_(options),
+      context_(makeClock(options)),
+      scope_(context_),
+      ready_(context_.clock()),
+      startTime_(Rex::System::currentTime()) {
+   context_.cellId = options_.cell;
+   context_.runDir = options_.runDir;
+   watchSignals();
+   outletsIs(context_);
+   module_.emplace(options_.module);
+   for (const TraceSetting& setting : options_.trace) {
+      try {
+         traceIs(setting);
+      } catch (const std::invalid_argument& error) {
+         throw StartError(std::string("--trace: ") + error.what());
+      }
+   }
+   socket_.emplace(options_.socket);
+   checkPlatform();
+   pamMaker_ = std::make_shared<Interface::LinuxPamMaker>(loop_);
+   context_.serviceIs<Interface::PamMaker>(pamMaker_);
+   agent_ = module_->makeAgent("Lldp");
+   startFeeders();
+   startApi();
+}
+
+Daemon::~Daemon() {
+   if (signals_ >= 0) close(signals_);
+   // Its machines hold packet access objects, which the maker has to outlive.
+   server_.reset();
+   agent_ = nullptr;
+}
+
+// Without packet sockets nothing would work, and everything would look well.
+void Daemon::checkPlatform() const {
+   int fd = socket(AF_PACKET, SOCK_RAW | SOCK_CLOEXEC, 0);
+   if (fd < 0) {
+      throw StartError(std::string("packet sockets cannot be opened: ") + std::strerror(errno) +
+                       (errno == EPERM ? "; CAP_NET_RAW is needed, run as root" : ""));
+   }
+   close(fd);
+}
+
+void Daemon::startFeeders() {
+   names_.emplace(options_.ports, options_.stateDir + "/ports.json");
+   feeders_.emplace(Feeders::Setup{agent_->entityManager(), loop_, *names_, options_.feeders,
+                                   options_.served()});
+   feeders_->start();
+}
+
+void Daemon::startApi() {
+   const auto& manager = agent_->entityManager();
+   resources_.emplace(ApiEntities(manager, ApiAccess(manager, feeders_->fedPaths())),
+                      [this] { return describe(); });
+   server_.emplace(loop_, socket_->fd(), *resources_);
+}
+
+void Daemon::watchSignals() {
+   sigset_t set = stopSignals();
+   sigprocmask(SIG_BLOCK, &set, nullptr);
+   // Whoever reads our standard error may go away before us.
+   signal(SIGPIPE, SIG_IGN);
+   signals_ = signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
+   if (signals_ < 0) throw StartError(std::string("signalfd: ") + std::strerror(errno));
+   loop_.descriptorIs(signals_, EPOLLIN, [this](uint32_t) { loop_.stop(); });
+}
+
+void Daemon::start() {
+   Rex::Dispatcher::run([this] { agent_->doInit(); });
+   ready_.handlerIs(nullptr, [this] { handleReady(); });
+   ready_.timeMinIs(0);
+}
+
+void Daemon::run() {
+   loop_.run(context_);
+   sd_notify(0, "STOPPING=1");
+   server_.reset();
+   // As one handler, so that what still watches is told when all of it is over.
+   Rex::Dispatcher::run([this] { module_->cleanUp(*agent_); });
+}
+
+// The mounts end in the first pass of the timers, and in the second the ports are opened.
+void Daemon::handleReady() {
+   if (++turns_ <= 2) {
+      ready_.timeMinIs(0);
+      return;
+   }
+   sd_notify(0, "READY=1\nSTATUS=serving");
+}
+
+Rex::Json Daemon::describe() const {
+   Rex::Json ports = Rex::Json::object();
+   for (const auto& [port, device] : feeders_->ports()) {
+      ports[port.stringValue().stdString()] = {{"device", device}};
+   }
+   return {{"pid", getpid()},
+           {"cell", context_.cellId},
+           {"time", Rex::System::currentTime()},
+           {"startTime", startTime_},
+           {"wakeups", loop_.wakeups()},
+           {"packets", {{"kernelDrops", pamMaker_->kernelDrops()}}},
+           {"ports", ports},
+           {"trace", traceToJson()}};
+}
+
+}  // namespace Host

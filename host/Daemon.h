@@ -1,0 +1,56 @@
+// The process: loads the agent, gives it time, a store that is filled from Linux and packet access,
+// and serves the management API, until it is told to stop.
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "Interface/LinuxPamMaker.h"
+#include "Rex/Context.h"
+#include "Rex/Loop.h"
+#include "host/ApiServer.h"
+#include "host/Feeders/Feeders.h"
+#include "host/Module.h"
+#include "host/Options.h"
+
+namespace Host {
+
+class Daemon {
+ public:
+   // Makes all that the agent needs. Throws StartError.
+   explicit Daemon(const Options& options);
+   ~Daemon();
+
+   // Starts the agent. Throws std::system_error when it cannot have its files.
+   void start();
+   // Runs until SIGTERM or SIGINT, then stops in order.
+   void run();
+
+ private:
+   void checkPlatform() const;
+   void startFeeders();
+   void startApi();
+   void watchSignals();
+   void handleReady();
+   Rex::Json describe() const;
+
+   // What is made first is needed longest.
+   const Options options_;
+   Rex::Loop loop_;
+   Rex::Context context_;
+   Rex::ContextScope scope_;
+   std::optional<ApiSocket> socket_;
+   std::shared_ptr<Interface::LinuxPamMaker> pamMaker_;
+   std::optional<Module> module_;
+   AgentBase::CAgent::Ptr agent_;
+   std::optional<PortNames> names_;
+   std::optional<Feeders> feeders_;
+   std::optional<ApiResources> resources_;
+   std::optional<ApiServer> server_;
+   int signals_ = -1;
+   Rex::Timer ready_;
+   int turns_ = 0;
+   double startTime_ = 0;
+};
+
+}  // namespace Host

@@ -1,0 +1,59 @@
+#include "host/Feeders/Feeders.h"
+
+#include "Rex/Printable.h"
+#include "host/StartError.h"
+
+namespace Host {
+namespace {
+
+constexpr const char* bridging = "bridging";
+constexpr const char* host = "host";
+constexpr const char* links = "links";
+
+}  // namespace
+
+std::set<std::string> Feeders::all() {
+   return {bridging, host, links};
+}
+
+Feeders::Feeders(Setup setup) : setup_(std::move(setup)), devices_(setup_.devices) {}
+
+void Feeders::start() {
+   if (feeds(bridging) || feeds(links)) {
+      linuxLinks_.emplace(setup_.loop, links_);
+      checkDevices();
+   }
+   // A new port finds the switch's address and the longest frame in place.
+   if (feeds(bridging)) bridgingFeeder_.emplace(setup_.entityManager, links_, devices_);
+   if (feeds(links)) {
+      linksFeeder_.emplace(setup_.entityManager, links_, devices_, setup_.names, deviceIdentity);
+   }
+   if (feeds(host)) {
+      hostFeeder_.emplace(setup_.entityManager);
+      linuxHost_.emplace(setup_.loop, *hostFeeder_);
+   }
+}
+
+void Feeders::checkDevices() const {
+   for (const std::string& name : devices_.names()) {
+      const Link* link = links_.named(name);
+      if (!link) throw StartError("there is no network device '" + Rex::printable(name) + "'");
+      if (!link->ethernet) {
+         throw StartError("the device '" + name + "' does not carry Ethernet frames");
+      }
+   }
+}
+
+std::set<std::string> Feeders::fedPaths() const {
+   std::set<std::string> paths;
+   if (feeds(bridging)) paths.merge(BridgingFeeder::fedPaths());
+   if (feeds(links)) paths.merge(LinksFeeder::fedPaths());
+   if (feeds(host)) paths.merge(HostFeeder::fedPaths());
+   return paths;
+}
+
+std::map<Wirekit::IntfId, std::string> Feeders::ports() const {
+   return linksFeeder_ ? linksFeeder_->ports() : std::map<Wirekit::IntfId, std::string>();
+}
+
+}  // namespace Host

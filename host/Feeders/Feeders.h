@@ -1,0 +1,63 @@
+// Everything that Linux tells the agent, behind one door: the links feeder (interfaces), the host
+// feeder (name and description of the system) and the bridging feeder (the switch's own address,
+// the longest frame). What each of them writes stands in docs/feeders.md.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "Rex/Loop.h"
+#include "Statestore/EntityManager.h"
+#include "host/Feeders/BridgingFeeder.h"
+#include "host/Feeders/HostFeeder.h"
+#include "host/Feeders/Links.h"
+#include "host/Feeders/LinksFeeder.h"
+#include "host/Feeders/LinuxHost.h"
+#include "host/Feeders/LinuxLinks.h"
+#include "host/Feeders/ServedDevices.h"
+#include "host/PortNames.h"
+
+namespace Host {
+
+class Feeders {
+ public:
+   struct Setup {
+      Rex::Ptr<Statestore::EntityManager> entityManager;
+      Rex::Loop& loop;
+      PortNames& names;
+      std::set<std::string> enabled = all();
+      std::set<std::string> devices = {};  // that are served; none: every physical one
+   };
+
+   // The feeders' names: bridging, host, links.
+   static std::set<std::string> all();
+
+   explicit Feeders(Setup setup);
+
+   // Fills the store before it returns, and follows Linux through the loop from then on. The
+   // present context has to be that of the agent. Throws StartError, whose words name the device,
+   // when one of `devices` is not there or does not carry Ethernet frames.
+   void start();
+
+   // The store's paths that the enabled feeders write, and nobody else.
+   std::set<std::string> fedPaths() const;
+   // The ports, by name, each with its device.
+   std::map<Wirekit::IntfId, std::string> ports() const;
+
+ private:
+   bool feeds(const char* feeder) const { return setup_.enabled.contains(feeder); }
+   void checkDevices() const;
+
+   const Setup setup_;
+   const ServedDevices devices_;
+   Links links_;
+   std::optional<LinuxLinks> linuxLinks_;
+   std::optional<BridgingFeeder> bridgingFeeder_;
+   std::optional<LinksFeeder> linksFeeder_;
+   std::optional<HostFeeder> hostFeeder_;
+   std::optional<LinuxHost> linuxHost_;
+};
+
+}  // namespace Host

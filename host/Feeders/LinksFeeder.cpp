@@ -1,0 +1,170 @@
+#include "host/Feeders/LinksFeeder.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "Rex/Log.h"
+#include "Statestore/Cell.h"
+#include "host/Feeders/FedEntity.h"
+#include "host/StartError.h"
+
+namespace Host {
+namespace {
+
+const Rex::LogHandle portNamed("HOST_PORT_NAMED", 6, "Port %s is device %s (%s)",
+                               "A device serves as a port of the switch under this name.",
+                               Rex::NoActionRequired, 0.0, 1.0, 0);
+const Rex::LogHandle namesNotKept(
+    "HOST_PORT_NAMES_NOT_KEPT", 3, "%s",
+    "The names of ports could not be written down, so that a restart may number them anew.",
+    "Check that the state folder is on a file system with room that can be written to.", 60.0, 1.0,
+    0);
+
+constexpr const char* allPath = "interface/status/all";
+constexpr const char* phyPath = "interface/status/eth/phy/all";
+constexpr const char* configPath = "interface/config/eth/phy/all";
+constexpr const char* kernelPath = "kni/ns/default/status";
+
+void fill(Interface::EthPhyIntfStatus& status, const Link& link) {
+   constexpr uint32_t most = std::numeric_limits<uint16_t>::max();
+   status.ethAddrIs(link.ethAddr);
+   status.maxMtuIs(static_cast<uint16_t>(std::min(link.mtu, most)));
+   status.linkStatusIs(linkStatus(link));
+   status.forwardingModelIs(forwardingModel(link));
+}
+
+Rex::String localPath() {
+   return Cell::path("interface/status/local", 0);
+}
+
+}  // namespace
+
+LinksFeeder::LinksFeeder(const Rex::Ptr<Statestore::EntityManager>& entityManager, Links& links,
+                         const ServedDevices& devices, PortNames& names, Identity identity)
+    : links_(links),
+      devices_(devices),
+      names_(names),
+      identity_(std::move(identity)),
+      all_(fedEntity<Interface::AllIntfStatusDir>(*entityManager, allPath)),
+      local_(fedEntity<Interface::AllIntfStatusLocalDir>(*entityManager, localPath().view())),
+      phy_(fedEntity<Interface::AllEthPhyIntfStatusDir>(*entityManager, phyPath)),
+      config_(fedEntity<Interface::AllEthPhyIntfConfigDir>(*entityManager, configPath)),
+      kernel_(fedEntity<KernelNetInfo::Status>(*entityManager, kernelPath)) {
+   addAll();
+   names_.save();
+   links.listenerIs([this](const Link* before, const Link* after) { handleLink(before, after); });
+}
+
+std::set<std::string> LinksFeeder::fedPaths() {
+   return {allPath, phyPath, kernelPath, localPath().stdString()};
+}
+
+// The first devices are named together, in the order of their indices.
+void LinksFeeder::addAll() {
+   std::vector<const Link*> served;
+   std::vector<PortDevice> devices;
+   std::set<std::string> seen;
+   for (const auto& [ifIndex, link] : links_.all()) {
+      feedKernelView(nullptr, &link);
+      if (!devices_.serves(link)) continue;
+      std::string identity = identity_(link);
+      if (!seen.insert(identity).second) identity = "name:" + link.name;
+      served.push_back(&link);
+      devices.push_back({link.name, identity});
+   }
+   std::vector<Wirekit::IntfId> names = names_.namesOf(devices);
+   for (size_t i = 0; i < served.size(); ++i) add(*served[i], {names[i], devices[i].identity});
+}
+
+void LinksFeeder::handleLink(const Link* before, const Link* after) {
+   feedKernelView(before, after);
+   auto at = before ? ports_.find(before->ifIndex) : ports_.end();
+   bool renamed = before && after && before->name != after->name;
+   if (at != ports_.end() && after && !renamed && devices_.serves(*after)) {
+      update(*before, *after, at->second.intfId);
+      return;
+   }
+   if (at != ports_.end()) remove(at);
+   if (after && devices_.serves(*after)) addOne(*after);
+   addWaiting();
+}
+
+// Two devices may claim one identity, as virtual functions with a copied address do.
+std::string LinksFeeder::identityOf(const Link& link) const {
+   std::string identity = identity_(link);
+   for (const auto& [ifIndex, port] : ports_) {
+      if (port.identity == identity) return "name:" + link.name;
+   }
+   return identity;
+}
+
+void LinksFeeder::addOne(const Link& link) {
+   PortDevice device{link.name, identityOf(link)};
+   Wirekit::IntfId name = names_.namesOf({device}).front();
+   try {
+      names_.save();
+   } catch (const StartError& error) {
+      Rex::log(namesNotKept, Rex::String(error.what()));
+   }
+   add(link, {name, device.identity});
+}
+
+void LinksFeeder::addWaiting() {
+   for (int32_t ifIndex : std::exchange(waiting_, {})) {
+      const Link* link = links_.at(ifIndex);
+      if (link && !ports_.contains(ifIndex) && devices_.serves(*link)) addOne(*link);
+   }
+}
+
+// The row of the interface itself comes first and goes last: whoever sees the port finds its index
+// and its description. Each row is whole when its key is reported.
+void LinksFeeder::add(const Link& link, const Port& port) {
+   const Wirekit::IntfId& intfId = port.intfId;
+   if (devicesByPort_.contains(intfId)) {
+      waiting_.insert(link.ifIndex);
+      return;
+   }
+   Rex::log(portNamed, intfId, Rex::String(link.name), Rex::String(port.identity));
+   ports_[link.ifIndex] = port;
+   devicesByPort_[intfId] = link.name;
+   auto status = Rex::make<Interface::IntfStatus>(intfId);
+   status->ifIndexIs(link.ifIndex);
+   status->deviceNameIs(link.name);
+   auto phy = Rex::make<Interface::EthPhyIntfStatus>(intfId);
+   fill(*phy, link);
+   auto config = Rex::make<Interface::EthPhyIntfConfig>(intfId);
+   config->descriptionIs(link.alias);
+   all_->intfStatusIs(status);
+   local_->intfStatusIs(status);
+   config_->intfConfigIs(config);
+   phy_->intfStatusIs(phy);
+}
+
+void LinksFeeder::update(const Link& before, const Link& after, const Wirekit::IntfId& intfId) {
+   if (auto phy = phy_->intfStatus(intfId)) fill(*phy, after);
+   auto config = config_->intfConfig(intfId);
+   // News of something else must not take back what the operator said in the meantime.
+   if (config && before.alias != after.alias) config->descriptionIs(after.alias);
+}
+
+void LinksFeeder::remove(std::map<int32_t, Port>::iterator at) {
+   Wirekit::IntfId intfId = at->second.intfId;
+   ports_.erase(at);
+   devicesByPort_.erase(intfId);
+   phy_->intfStatusDel(intfId);
+   config_->intfConfigDel(intfId);
+   local_->intfStatusDel(intfId);
+   all_->intfStatusDel(intfId);
+}
+
+void LinksFeeder::feedKernelView(const Link* before, const Link* after) {
+   bool gone = before && (!after || before->name != after->name);
+   // The name may be another device's by now.
+   if (gone && kernel_->device(before->name).ifIndex == before->ifIndex) {
+      kernel_->deviceDel(before->name);
+   }
+   if (after) kernel_->deviceIs({after->name, after->ifIndex});
+}
+
+}  // namespace Host

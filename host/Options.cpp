@@ -1,0 +1,164 @@
+#include "host/Options.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "Rex/Printable.h"
+#include "host/Feeders/Feeders.h"
+#include "host/PortNames.h"
+#include "host/StartError.h"
+
+namespace Host {
+namespace {
+
+constexpr const char* purpose =
+    "The LLDP agent of a switch (IEEE Std 802.1AB): tells the neighbours on its ports who it is, "
+    "and learns who they are.\n\n"
+    "Runs in the foreground until SIGTERM or SIGINT, and tells systemd when it is ready. Needs the "
+    "right to open packet sockets (CAP_NET_RAW); run it as root or as a service that has it.";
+
+constexpr const char* examples = R"(
+Examples:
+  lldp-agentd
+      serves every physical device; they become Ethernet1, Ethernet2, ...
+  lldp-agentd --port Ethernet1=eth0 --port Management1=eth1
+      serves these two, under these names
+  lldp-agentd --trace LldpProtocol=0,4,6 eth0
+      serves one device, and writes to standard error what its frames hold
+
+While it runs:
+  lldp show neighbors
+  curl --unix-socket /run/lldp-agentd/api.sock http://switch/v1/paths
+  curl --unix-socket /run/lldp-agentd/api.sock -X PATCH -d '{"messageTxInterval": 5}' \
+      http://switch/v1/entity/l2discovery/lldp/cliConfig
+)";
+
+[[noreturn]] void refuse(const char* option, const std::string& value, const std::string& words) {
+   throw StartError(std::string(option) + " " + Rex::printable(value) + ": " + words);
+}
+
+void takePort(Options& options, const std::string& text) {
+   size_t equals = text.find('=');
+   if (equals == std::string::npos || equals == 0 || equals + 1 == text.size()) {
+      refuse("--port", text, "expected NAME=DEVICE, such as Ethernet1=eth0");
+   }
+   std::string name = text.substr(0, equals);
+   std::string device = text.substr(equals + 1);
+   if (!PortNames::isPortName(name)) {
+      refuse("--port", text, "expected a port name such as Ethernet1, Ethernet3/1 or Management1");
+   }
+   Wirekit::IntfId intfId(name);
+   for (const auto& [other, taken] : options.ports) {
+      if (taken == intfId) refuse("--port", text, "the name is given to " + other + " already");
+   }
+   if (!options.ports.emplace(device, intfId).second) {
+      refuse("--port", text, "the device has a name already");
+   }
+}
+
+std::set<std::string> feedersOf(const std::string& text) {
+   const std::set<std::string> all = Feeders::all();
+   if (text == "all") return all;
+   std::set<std::string> chosen;
+   if (text == "none") return chosen;
+   std::istringstream in(text);
+   std::string one;
+   while (std::getline(in, one, ',')) {
+      if (!all.contains(one)) {
+         refuse("--feeders", text, "expected all, none, or some of links,host,bridging");
+      }
+      chosen.insert(one);
+   }
+   if (chosen.empty()) refuse("--feeders", text, "expected all, none, or a list");
+   return chosen;
+}
+
+void takeTrace(Options& options, const std::string& text) {
+   try {
+      options.trace.push_back(parseTrace(text));
+   } catch (const std::invalid_argument& error) {
+      throw StartError(std::string("--trace: ") + error.what());
+   }
+}
+
+void checkFeeders(const Options& options) {
+   if (!options.feeds("links") && !options.served().empty()) {
+      throw StartError("--feeders: devices and --port need the feeder links");
+   }
+}
+
+// The command line as it was written; what its texts mean is found out afterwards.
+struct Words {
+   std::vector<std::string> ports;
+   std::vector<std::string> traces;
+   std::vector<std::string> devices;
+   std::string feeders = "all";
+};
+
+void declare(CLI::App& app, Options& options, Words& words) {
+   app.footer(examples);
+   // An option that is given twice counts as it is given last.
+   auto once = [&app](const char* name, const char* form, auto& value, const char* help) {
+      return app.add_option(name, value, help)
+          ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
+          ->capture_default_str()
+          ->type_name(form);
+   };
+   auto often = [&app](const char* name, const char* form, auto& values, const char* help) {
+      app.add_option(name, values, help)->allow_extra_args(false)->type_name(form);
+   };
+   app.add_option("DEVICE", words.devices,
+                  "Device to serve; those of --port are served too. Without any: every physical "
+                  "device and every veth");
+   often("--port", "NAME=DEVICE", words.ports,
+         "The switch's name of a device, such as Ethernet1=eth0. Other devices keep a name that is "
+         "a port name already, or get the next free Ethernet<n>, for good (see --state-dir)");
+   once("--cell", "NUMBER", options.cell, "Number of this supervisor")->check(CLI::Range(1, 2));
+   once("--socket", "PATH", options.socket,
+        "Socket of the management API; its owner and group may use it");
+   once("--run-dir", "DIR", options.runDir,
+        "Folder of what lives until the next boot: time anchor, ring trace");
+   once("--state-dir", "DIR", options.stateDir,
+        "Folder of what is kept across boots: the ports' names");
+   often("--trace", "FACILITY=LEVELS", words.traces,
+         "Traces to standard error: levels 0 to 9 with commas between, or all");
+   once("--feeders", "LIST", words.feeders,
+        "all, none, or a list of links,host,bridging: what is read from Linux. What is not, other "
+        "agents or the API write");
+   once("--module", "PATH", options.module,
+        "The agent (default: liblldpagent.so of the program's folder or of ../lib)");
+}
+
+}  // namespace
+
+std::set<std::string> Options::served() const {
+   std::set<std::string> all = devices;
+   for (const auto& [device, name] : ports) all.insert(device);
+   return all;
+}
+
+std::optional<Options> Options::parse(int argc, const char* const* argv) {
+   Options options;
+   Words words;
+   CLI::App app(purpose, "lldp-agentd");
+   declare(app, options, words);
+   try {
+      app.parse(argc, argv);
+   } catch (const CLI::CallForHelp&) {
+      std::cout << app.help();
+      return std::nullopt;
+   } catch (const CLI::ArgumentMismatch& error) {
+      std::string said = error.what();
+      throw StartError(said.substr(0, said.find(':')) + " needs a value; see lldp-agentd --help");
+   } catch (const CLI::ParseError& error) {
+      throw StartError(Rex::printable(error.what()) + "; see lldp-agentd --help");
+   }
+   for (const std::string& port : words.ports) takePort(options, port);
+   for (const std::string& trace : words.traces) takeTrace(options, trace);
+   options.feeders = feedersOf(words.feeders);
+   options.devices = {words.devices.begin(), words.devices.end()};
+   checkFeeders(options);
+   return options;
+}
+
+}  // namespace Host

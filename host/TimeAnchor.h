@@ -1,0 +1,14 @@
+// What turns the seconds since boot into absolute time: an offset that is fixed once a boot and
+// kept in a file, so that every process and every restart of that boot shares it. The wall clock
+// may be set later; the agent's time does not jump with it.
+#pragma once
+
+#include <string>
+
+namespace Host {
+
+// The offset in seconds: of the file when it is of this boot, else `fresh`, which is written down.
+// Throws StartError when the file can be neither read nor written.
+double timeAnchor(const std::string& file, const std::string& bootId, double fresh);
+
+}  // namespace Host

@@ -1,0 +1,37 @@
+// lldp-agentd. What it does stands in its --help.
+#include <exception>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "host/Daemon.h"
+#include "host/Options.h"
+
+namespace {
+
+// Whatever the words are, they come out as one line.
+int refuse(std::string words) {
+   for (char& c : words) {
+      if (c == '\n') c = ' ';
+   }
+   std::cerr << "lldp-agentd: " + words + "\n";
+   return 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+   std::unique_ptr<Host::Daemon> daemon;
+   try {
+      auto options = Host::Options::parse(argc, argv);
+      if (!options) return 0;
+      daemon = std::make_unique<Host::Daemon>(*options);
+      daemon->start();
+   } catch (const std::exception& error) {
+      daemon.reset();
+      return refuse(error.what());
+   }
+   // From here on an exception is a broken invariant of the agent, which ends the process.
+   daemon->run();
+   return 0;
+}

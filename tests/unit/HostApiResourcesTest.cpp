@@ -1,0 +1,209 @@
+// What the management API answers, and what it lets change.
+#include <gmock/gmock.h>
+
+#include "Rex/Dir.h"
+#include "Rex/Trace.h"
+#include "host/ApiResources.h"
+#include "unit/HostStore.h"
+
+using namespace testing;
+
+namespace {
+
+const Rex::TraceHandle trace("HostApiTest", false);
+const std::string entities = "/v1/entity/";
+const std::string cliPath = "l2discovery/lldp/cliConfig";
+
+struct HostApiResources : Test {
+   HostTest::Store store;
+   Host::ApiResources resources{
+       Host::ApiEntities(store.manager, Host::ApiAccess(store.manager, {"bridging/config"})), [] {
+          return Rex::Json{{"pid", 7}};
+       }};
+
+   Host::ApiAnswer ask(const std::string& method, const std::string& target,
+                       const std::string& body = {}) {
+      return resources.serve({method, target, body});
+   }
+   Rex::Json get(const std::string& path) {
+      auto answer = ask("GET", entities + path);
+      EXPECT_EQ(answer.status, 200) << answer.body;
+      return answer.body;
+   }
+};
+
+TEST_F(HostApiResources, ReadsByPathMemberAndKey) {
+   store.cliConfig()
+       ->cliPortConfigIs(Wirekit::IntfId("Ethernet3/1"))
+       ->adminStatusIs(Lldp::AdminStatus::rxOnly);
+   EXPECT_EQ(get(cliPath)["messageTxInterval"], 30);
+   EXPECT_EQ(get(cliPath + "/messageTxInterval"), 30);
+   EXPECT_EQ(get(cliPath + "/cliPortConfig/Ethernet3%2F1")["adminStatus"], "rxOnly");
+   EXPECT_EQ(get(cliPath + "/cliPortConfig/Ethernet3%2F1/adminStatus"), "rxOnly");
+   EXPECT_EQ(get(cliPath + "/cliPortConfig")["Ethernet3/1"]["adminStatus"], "rxOnly");
+   EXPECT_EQ(get(cliPath + "?depth=0")["cliPortConfig"].dump(), R"({"Ethernet3/1":{}})");
+
+   auto paths = ask("GET", "/v1/paths").body["paths"];
+   EXPECT_THAT(paths, Contains(Rex::Json{
+                          {"path", cliPath}, {"type", "Lldp::CliConfig"}, {"writable", true}}));
+   EXPECT_THAT(paths, Contains(Rex::Json{{"path", "l2discovery/lldp/config"},
+                                         {"type", "Lldp::Config"},
+                                         {"writable", false}}));
+   EXPECT_EQ(ask("GET", "/v1/agent").body["pid"], 7);
+}
+
+TEST_F(HostApiResources, RefusalsNameTheirReasonAndChangeNothing) {
+   store.manager->entityIs("bridging/config", "Bridging::Config");
+   store.manager->entityIs("routing/config", "Routing::Config");
+   struct Case {
+      const char* method;
+      std::string path;
+      const char* body;
+      unsigned status;
+      std::vector<std::string> words;
+   };
+   const std::string config = entities + cliPath;
+   const Case cases[] = {
+       {"GET", entities + "no/such%2Fpath", "", 404, {"no/such%2Fpath"}},
+       {"GET", config + "/cliPortConfig/Ethernet1", "", 404, {}},
+       {"GET", config + "/messageTxInterval/30", "", 404, {}},
+       {"GET", "/v1/entity", "", 404, {}},
+       {"GET", "/../../etc/passwd", "", 404, {}},
+       {"GET", "v1/paths", "", 400, {}},
+       {"GET", config + "?depth=x", "", 400, {"depth", "\"x\""}},
+       {"GET", config + "?dept=1", "", 400, {"dept"}},
+       {"GET", config + "/%4", "", 400, {"%"}},
+       {"POST", config, "{}", 405, {"POST"}},
+       {"POST", "/v1/paths", "", 405, {}},
+       {"DELETE", config, "", 405, {}},
+       {"PUT", config, "{}", 405, {}},
+       {"PATCH", config, "{", 400, {"JSON"}},
+       {"PATCH", config, "[]", 400, {"object"}},
+       {"PATCH", config, "\xff", 400, {}},
+       {"PATCH",
+        config,
+        R"({"messageTxInterval":-1})",
+        400,
+        {"messageTxInterval", "-1", "from 0 to 4294967295"}},
+       {"PATCH", config, R"({"messageTxInterval":4294967296})", 400, {"4294967296"}},
+       {"PATCH", config, R"({"messageTxInterval":1e400})", 400, {}},
+       {"PATCH", config, R"({"messageTxHoldTime":77,"enabled":3})", 400, {"enabled", "3", "true"}},
+       {"PATCH", config, R"({"messageTxHoldTime":77,"noSuchThing":1})", 400, {"noSuchThing"}},
+       {"PATCH",
+        config,
+        R"({"mgmtAddrTxOption":{"mgmtAddrTxMode":"worst"}})",
+        400,
+        {"mgmtAddrTxOption.mgmtAddrTxMode", "worst", "mgmtAddrTxModeBest"}},
+       {"PATCH", config, R"({"mgmtAddrTxOption":{"intf":"x"}})", 400, {"intf"}},
+       {"PATCH", config, R"({"cliPortConfig":{}})", 400, {"cliPortConfig"}},
+       {"PATCH", entities + "l2discovery/lldp/config", R"({"txDelay":9})", 403, {"agent"}},
+       {"PUT", entities + "l2discovery/lldp/config/portConfig/Ethernet1", "", 403, {"agent"}},
+       {"DELETE", entities + "l2discovery/lldp/config/portConfig/Ethernet1", "", 403, {"agent"}},
+       {"PATCH",
+        entities + "bridging/config",
+        R"({"bridgeMacAddr":"02:00:00:00:00:09"})",
+        403,
+        {"feeder"}},
+       {"PATCH", entities + "no/such/path", "{}", 404, {}},
+       {"PUT", config + "/cliPortConfig/no%20name", "{}", 400, {"no name", "interface name"}},
+       {"PUT",
+        config + "/cliPortConfig/Ethernet1",
+        R"({"adminStatus":"perhaps"})",
+        400,
+        {"adminStatus", "perhaps", "txAndRx"}},
+       {"PUT", config + "/cliPortConfig/Ethernet1", R"({"intfId":"Ethernet2"})", 400, {"intfId"}},
+       {"DELETE", config + "/cliPortConfig/Ethernet1", "", 404, {}},
+       {"PUT",
+        entities + "l2discovery/lldp/externalTlvs/x?type=Lldp%3A%3ANothing",
+        "",
+        400,
+        {"Lldp::Nothing"}},
+   };
+   const std::string before = get("l2discovery/lldp/cliConfig").dump();
+   for (const Case& one : cases) {
+      auto answer = ask(one.method, one.path, one.body);
+      std::string said = answer.body.dump();
+      SCOPED_TRACE(std::string(one.method) + " " + one.path + ": " + said);
+      EXPECT_EQ(answer.status, one.status);
+      ASSERT_TRUE(answer.body.contains("error"));
+      std::string message = answer.body["error"]["message"];
+      for (const std::string& word : one.words) EXPECT_THAT(message, HasSubstr(word));
+      EXPECT_EQ(answer.allow.empty(), one.status != 405);
+   }
+   EXPECT_EQ(get("l2discovery/lldp/cliConfig").dump(), before);
+   EXPECT_EQ(get("l2discovery/lldp/config")["portConfig"].size(), 0u);
+}
+
+// The machines of the agent see each change of a request by itself, as if it had come alone.
+TEST_F(HostApiResources, ChangesOfARequestAreDispatchedOneByOne) {
+   auto watcher = Rex::make<HostTest::Watcher>(store.cliConfig());
+   EXPECT_EQ(ask("PATCH", entities + cliPath,
+                 R"({"messageTxInterval":5,"enabled":false,"messageTxHoldTime":20})")
+                 .status,
+             204);
+   EXPECT_THAT(watcher->seen, ElementsAre("5/120", "5/20"));
+   EXPECT_FALSE(store.cliConfig()->enabled());
+   watcher->close();
+}
+
+TEST_F(HostApiResources, ANewMemberIsFilledBeforeItsKeyIsReported) {
+   auto watcher = Rex::make<HostTest::Watcher>(store.cliConfig());
+   const std::string port = entities + cliPath + "/cliPortConfig/Ethernet3%2F1";
+   EXPECT_EQ(ask("PUT", port, R"({"adminStatus":"txOnly"})").status, 201);
+   EXPECT_EQ(ask("PUT", port, R"({"adminStatus":"disabled"})").status, 204) << "it stands already";
+   EXPECT_EQ(ask("DELETE", port).status, 204);
+   EXPECT_EQ(ask("PUT", port).status, 201) << "attributes may be left out";
+   EXPECT_THAT(watcher->seen,
+               ElementsAre("Ethernet3/1 txOnly", "Ethernet3/1 gone", "Ethernet3/1 txAndRx"));
+   watcher->close();
+}
+
+TEST_F(HostApiResources, EntriesOfADirectoryComeAndGo) {
+   const std::string path = "l2discovery/lldp/externalTlvs/provider";
+   EXPECT_EQ(ask("PUT", entities + path, R"({"name":"provider"})").status, 201);
+   EXPECT_EQ(get(path)["name"], "provider");
+   EXPECT_EQ(ask("PUT", entities + path + "/externalTlvPortConfig/Ethernet1").status, 201);
+   EXPECT_EQ(ask("PATCH", entities + path + "/externalTlvPortConfig/Ethernet1",
+                 R"({"unknownOrgDefTlv":[{"key":{"oui":{"value":1},"subtype":2,"index":1},
+                                          "orgDefInfo":{"octets":"00ff"}}]})")
+                 .status,
+             204);
+   EXPECT_EQ(get(path + "/externalTlvPortConfig/Ethernet1")["unknownOrgDefTlv"].size(), 1u);
+   EXPECT_EQ(ask("DELETE", entities + path).status, 204);
+   EXPECT_EQ(ask("GET", entities + path).status, 404);
+}
+
+TEST_F(HostApiResources, ClearRequestsAreStamped) {
+   const std::string path = "l2discovery/lldp/remTablesCliConfig";
+   auto requestTime = [&](const std::string& request) {
+      EXPECT_EQ(
+          ask("PATCH", entities + path, R"({"remTablesClearRequest":)" + request + "}").status,
+          204);
+      return store.at<Lldp::RemTablesCliConfig>(path.c_str())->remTablesClearRequest().requestTime;
+   };
+   store.test.timeIs(1234.5);
+   EXPECT_EQ(requestTime(R"({"requesterName":"me"})"), 1234.5);
+   store.test.timeIs(1300);
+   EXPECT_EQ(requestTime(R"({"requestTime":null})"), 1300);
+   EXPECT_EQ(requestTime(R"({"requestTime":7})"), 7);
+}
+
+TEST_F(HostApiResources, TraceLevelsChangeAtRunTime) {
+   const std::string path = "/v1/agent/trace";
+   EXPECT_EQ(ask("PATCH", path, R"({"HostApiTest":[0,4]})").status, 204);
+   EXPECT_TRUE(trace.isOn(0) && trace.isOn(4) && !trace.isOn(1));
+   EXPECT_EQ(ask("GET", path).body["HostApiTest"].dump(), "[0,4]");
+   for (const char* bad :
+        {R"({"HostApiTest":[10]})", R"({"HostApiTest":[-1]})", R"({"HostApiTest":7})",
+         R"({"HostApiTest":[1],"Nothing":[]})", "[]", "x"}) {
+      EXPECT_EQ(ask("PATCH", path, bad).status, 400) << bad;
+   }
+   EXPECT_EQ(ask("GET", path).body["HostApiTest"].dump(), "[0,4]") << "nothing has changed";
+   EXPECT_THAT(ask("PATCH", path, R"({"Nothing":[]})").body["error"]["message"].dump(),
+               HasSubstr("HostApiTest"));
+   EXPECT_EQ(ask("PUT", path, "{}").status, 204);
+   EXPECT_FALSE(trace.isOn(0));
+   EXPECT_EQ(ask("DELETE", path).status, 405);
+}
+
+}  // namespace

@@ -1,0 +1,273 @@
+// The feeders on real devices: virtual ones in a network namespace of each test's own.
+#include <gtest/gtest.h>
+#include <net/if.h>
+#include <sched.h>
+#include <sys/epoll.h>
+#include <sys/socket.h>
+#include <sys/timerfd.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <fstream>
+#include <thread>
+
+#include "host/Feeders/Feeders.h"
+#include "host/StartError.h"
+#include "support/TestContext.h"
+#include "unit/HostFeedersFolder.h"
+
+namespace Host {
+namespace {
+
+using Wirekit::IntfId;
+
+constexpr int guardSeconds = 20;
+
+void ip(const std::string& arguments) {
+   ASSERT_EQ(std::system(("ip " + arguments).c_str()), 0) << arguments;
+}
+void makePair(const std::string& a, const std::string& b) {
+   ip("link add name " + a + " type veth peer name " + b);
+   ip("link set dev " + a + " up");
+   ip("link set dev " + b + " up");
+}
+
+// A thread can leave the process's namespaces alone, and what it opens stays in its own.
+void inNamespace(const std::function<void()>& body) {
+   std::thread([&] {
+      ASSERT_EQ(unshare(CLONE_NEWNET | CLONE_NEWUTS), 0) << "run as root";
+      body();
+   }).join();
+}
+
+struct Bench {
+   explicit Bench(std::set<std::string> devices = {},
+                  std::set<std::string> enabled = Feeders::all())
+       : feeders({manager, loop, names, std::move(enabled), std::move(devices)}) {
+      // A test that waits for what never comes ends all the same.
+      guard = timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK);
+      loop.descriptorIs(guard, EPOLLIN, [this](uint32_t) { over = true; });
+      // Wakes the loop to look.
+      tick = timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK);
+      itimerspec often{{0, 5'000'000}, {0, 5'000'000}};
+      timerfd_settime(tick, 0, &often, nullptr);
+      loop.descriptorIs(tick, EPOLLIN, [this](uint32_t) {
+         uint64_t times;
+         EXPECT_GT(read(tick, &times, sizeof(times)), 0);
+         if (over || reached()) loop.stop();
+      });
+   }
+   ~Bench() {
+      close(guard);
+      close(tick);
+   }
+
+   // Runs the loop until something holds; false when it does not in good time.
+   bool until(std::function<bool()> condition) {
+      reached = std::move(condition);
+      itimerspec limit{{}, {guardSeconds, 0}};
+      timerfd_settime(guard, 0, &limit, nullptr);
+      loop.run(context.context());
+      return reached();
+   }
+   template <class T>
+   Rex::Ptr<T> get(const char* path) {
+      return Rex::dynamicPtr<T>(manager->getEntity(path));
+   }
+   auto phy(const char* port) {
+      return get<Interface::AllEthPhyIntfStatusDir>("interface/status/eth/phy/all")
+          ->intfStatus(IntfId(port));
+   }
+   int ifIndex(const char* port) {
+      auto row = get<Interface::AllIntfStatusDir>("interface/status/all")->intfStatus(IntfId(port));
+      return row ? row->ifIndex() : 0;
+   }
+   std::string description(const char* port) {
+      return get<Interface::AllEthPhyIntfConfigDir>("interface/config/eth/phy/all")
+          ->intfConfig(IntfId(port))
+          ->description()
+          .stdString();
+   }
+
+   LldpTest::TestContext context;
+   Rex::Loop loop;
+   Rex::Ptr<Statestore::EntityManager> manager = Rex::make<Statestore::EntityManager>();
+   TestFolder folder;
+   PortNames names{{}, folder.path + "/ports.json"};
+   Feeders feeders;
+   std::function<bool()> reached;
+   bool over = false;
+   int guard;
+   int tick;
+};
+
+// Leaves the process's netlink sockets hardly any room.
+void shrinkNews() {
+   for (int fd = 3; fd < 256; ++fd) {
+      int domain = 0, room = 4096;
+      socklen_t size = sizeof(domain);
+      if (getsockopt(fd, SOL_SOCKET, SO_DOMAIN, &domain, &size) < 0 || domain != AF_NETLINK)
+         continue;
+      ASSERT_EQ(setsockopt(fd, SOL_SOCKET, SO_RCVBUF, &room, sizeof(room)), 0);
+   }
+}
+
+int indexOf(const char* device) {
+   return static_cast<int>(if_nametoindex(device));
+}
+
+TEST(FeedersLinux, theStoreIsFullAtTheStart) {
+   inNamespace([] {
+      makePair("a", "b");
+      ip("link set dev a mtu 9000 address 02:00:00:00:00:0a alias 'to the core'");
+      ip("link add name c type veth peer name Ethernet7");
+      ip("link add name br0 type bridge");
+      sethostname("sw1.example.com", 15);
+      Bench bench;
+      bench.feeders.start();
+      // In the order of their indices; of a pair the second end comes first.
+      ASSERT_EQ(bench.feeders.ports().size(), 4u);
+      EXPECT_EQ(bench.feeders.ports().at(IntfId("Ethernet7")), "Ethernet7");
+      EXPECT_FALSE(bench.feeders.ports().contains(IntfId("Ethernet4")));
+      auto ports = bench.feeders.ports();
+      auto at = std::ranges::find(ports, "a", [](const auto& port) { return port.second; });
+      ASSERT_NE(at, ports.end());
+      std::string a = at->first.stringValue().stdString();
+      auto phy = bench.phy(a.c_str());
+      EXPECT_EQ(phy->linkStatus(), Interface::linkUp);
+      EXPECT_EQ(phy->forwardingModel(), 3);
+      EXPECT_EQ(phy->maxMtu(), 9000);
+      EXPECT_EQ(phy->ethAddr(), Wirekit::EthAddr(2, 0, 0, 0, 0, 10));
+      EXPECT_EQ(bench.ifIndex(a.c_str()), indexOf("a"));
+      EXPECT_EQ(bench.description(a.c_str()), "to the core");
+      EXPECT_EQ(bench.phy("Ethernet7")->linkStatus(), Interface::linkDown);
+      auto bridging = bench.get<Bridging::Config>("bridging/config");
+      EXPECT_FALSE(bridging->bridgeMacAddr().isZero());
+      EXPECT_EQ(bench.get<Bridging::HwCapabilities>("bridging/hwcapabilities")->maxFrameSize(),
+                9018);
+      auto net = bench.get<System::NetStatus>("cell/1/sys/net/status");
+      EXPECT_EQ(net->hostname(), "sw1");
+      EXPECT_EQ(net->domainName(), "example.com");
+      EXPECT_NE(bench.get<EntityMib::Status>("hardware/entmib")->description().view().find("Linux"),
+                std::string_view::npos);
+      for (const std::string& path : bench.feeders.fedPaths()) {
+         EXPECT_TRUE(bench.manager->getEntity(path)) << path;
+      }
+   });
+}
+
+TEST(FeedersLinux, changesAreFollowed) {
+   inNamespace([] {
+      makePair("a", "b");
+      Bench bench({"a"});
+      bench.feeders.start();
+      auto phy = bench.phy("Ethernet1");
+      ip("link set dev b down");
+      EXPECT_TRUE(bench.until([&] { return phy->linkStatus() == Interface::linkDown; }));
+      EXPECT_EQ(phy->forwardingModel(), 3) << "a port without a link is a port";
+      ip("link set dev b up");
+      EXPECT_TRUE(bench.until([&] { return phy->linkStatus() == Interface::linkUp; }));
+      ip("link set dev a mtu 1600 address 02:00:00:00:00:77 alias spine");
+      EXPECT_TRUE(bench.until([&] { return bench.description("Ethernet1") == "spine"; }));
+      EXPECT_EQ(phy->maxMtu(), 1600);
+      EXPECT_EQ(phy->ethAddr(), Wirekit::EthAddr(2, 0, 0, 0, 0, 0x77));
+
+      // A member of a bridge is a port all the same, and the switch's address is the bridge's. The
+      // news of a port that leaves a bridge look much like those of a device that goes.
+      auto bridging = bench.get<Bridging::Config>("bridging/config");
+      ip("link add name br0 address 02:00:00:00:00:bb type bridge");
+      ip("link set dev a master br0");
+      EXPECT_TRUE(bench.until([&] { return bridging->bridgeMacAddr().byte(5) == 0xbb; }));
+      ip("link set dev a nomaster");
+      EXPECT_TRUE(bench.until([&] { return bridging->bridgeMacAddr().byte(5) == 0x77; }));
+      EXPECT_EQ(bench.phy("Ethernet1"), phy);
+
+      auto net = bench.get<System::NetStatus>("cell/1/sys/net/status");
+      sethostname("leaf-9", 6);
+      EXPECT_TRUE(bench.until([&] { return net->hostname() == "leaf-9"; }));
+      EXPECT_FALSE(bench.over);
+   });
+}
+
+TEST(FeedersLinux, aDeviceVanishesAndReturns) {
+   inNamespace([] {
+      makePair("a", "b");
+      Bench bench({"a"});
+      bench.feeders.start();
+      for (const char* leave : {
+               "ip link del dev a",
+               "ip link set dev a down && ip link set dev a name x",
+               // Another namespace, which goes with the process that has it.
+               "unshare -n sleep 5 & sleep 0.2; ip link set dev a netns $!",
+           }) {
+         int before = bench.ifIndex("Ethernet1");
+         EXPECT_EQ(before, indexOf("a"));
+         ASSERT_EQ(std::system(leave), 0);
+         EXPECT_TRUE(bench.until([&] { return !bench.phy("Ethernet1"); })) << leave;
+         EXPECT_TRUE(bench.feeders.ports().empty());
+         if (indexOf("b")) ip("link del dev b");
+         makePair("a", "b");
+         EXPECT_TRUE(bench.until([&] { return bool(bench.phy("Ethernet1")); })) << leave;
+         EXPECT_NE(bench.ifIndex("Ethernet1"), before);
+      }
+   });
+}
+
+// More news than the kernel keeps for us: afterwards everything is as it is, all the same.
+TEST(FeedersLinux, lostNews) {
+   inNamespace([] {
+      makePair("a", "b");
+      makePair("c", "d");
+      Bench bench({"a", "c"});
+      bench.feeders.start();
+      IntfId a = bench.feeders.ports().begin()->first;
+      shrinkNews();
+      // Nobody listens meanwhile.
+      std::ofstream batch(bench.folder.path + "/batch");
+      for (int i = 0; i < 300; ++i) batch << "link set dev a mtu " << 1400 + i % 2 << "\n";
+      batch << "link del dev c\nlink set dev a mtu 1333\n";
+      batch.close();
+      ip("-batch " + bench.folder.path + "/batch");
+      bench.context.takeLogs();
+      EXPECT_TRUE(bench.until([&] {
+         return bench.feeders.ports().size() == 1 && bench.phy("Ethernet1")->maxMtu() == 1333;
+      }));
+      auto logs = bench.context.takeLogs();
+      ASSERT_FALSE(logs.empty()) << "nothing was lost, so nothing was tested";
+      EXPECT_TRUE(logs.front().starts_with("HOST_LINK_NEWS_LOST")) << logs.front();
+      // The news go on.
+      ip("link set dev a mtu 1444");
+      EXPECT_TRUE(bench.until([&] { return bench.phy("Ethernet1")->maxMtu() == 1444; }));
+   });
+}
+
+TEST(FeedersLinux, aDeviceThatIsNoneIsRefused) {
+   inNamespace([] {
+      for (const char* name : {"nodevice0", "lo"}) {
+         Bench bench({name});
+         try {
+            bench.feeders.start();
+            FAIL() << name;
+         } catch (const std::runtime_error& error) {
+            EXPECT_NE(std::string(error.what()).find(name), std::string::npos) << error.what();
+         }
+      }
+   });
+}
+
+TEST(FeedersLinux, onlyWhatIsAskedForIsFed) {
+   inNamespace([] {
+      makePair("a", "b");
+      Bench nothing({}, {});
+      nothing.feeders.start();
+      EXPECT_TRUE(nothing.manager->paths().empty());
+      EXPECT_TRUE(nothing.feeders.fedPaths().empty());
+      Bench bridging({}, {"bridging"});
+      bridging.feeders.start();
+      EXPECT_FALSE(bridging.get<Bridging::Config>("bridging/config")->bridgeMacAddr().isZero());
+      EXPECT_FALSE(bridging.manager->getEntity("interface/status/all"));
+   });
+}
+
+}  // namespace
+}  // namespace Host

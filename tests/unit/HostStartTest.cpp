@@ -1,0 +1,120 @@
+// What a start stands on: command line, time anchor, folders.
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <optional>
+
+#include "host/File.h"
+#include "host/Options.h"
+#include "host/StartError.h"
+#include "host/TimeAnchor.h"
+#include "unit/HostFeedersFolder.h"
+
+using namespace testing;
+
+namespace {
+
+std::optional<Host::Options> parse(std::vector<const char*> words) {
+   words.insert(words.begin(), "lldp-agentd");
+   return Host::Options::parse(static_cast<int>(words.size()), words.data());
+}
+
+TEST(HostOptions, WhatTheyMean) {
+   auto none = parse({});
+   ASSERT_TRUE(none);
+   EXPECT_TRUE(none->served().empty());
+   EXPECT_EQ(none->cell, 1);
+   EXPECT_TRUE(none->feeds("links") && none->feeds("host") && none->feeds("bridging"));
+
+   auto some = parse({"--port", "Ethernet1=eth0", "--port=Management1=mgmt", "--cell", "1",
+                      "--cell", "2", "--feeders", "links,host", "--trace", "LldpProtocol=0,4,6",
+                      "--trace", "LldpAgent=all", "eth0", "eth1"});
+   ASSERT_TRUE(some);
+   EXPECT_EQ(some->served(), (std::set<std::string>{"eth0", "eth1", "mgmt"}));
+   EXPECT_EQ(some->ports.at("mgmt"), Wirekit::IntfId("Management1"));
+   EXPECT_EQ(some->cell, 2);
+   EXPECT_FALSE(some->feeds("bridging"));
+   ASSERT_EQ(some->trace.size(), 2u);
+   EXPECT_EQ(some->trace[0].mask, 0b1010001);
+   EXPECT_EQ(some->trace[1].mask, 0x3ff);
+}
+
+TEST(HostOptions, AWrongOneIsNamedInOneLine) {
+   struct Case {
+      std::vector<const char*> words;
+      std::vector<const char*> said;
+   };
+   const Case cases[] = {
+       {{"--cell", "3"}, {"--cell", "3"}},
+       {{"--cell", "one"}, {"--cell", "one"}},
+       {{"--surprise"}, {"--surprise"}},
+       {{"--port", "Ethernet1"}, {"--port", "Ethernet1"}},
+       {{"--port", "=eth0"}, {"--port", "=eth0"}},
+       {{"--port", "eth0=Ethernet1"}, {"--port", "eth0=Ethernet1", "port name"}},
+       {{"--port", "UnconnectedEthernet1=eth0"}, {"--port"}},
+       {{"--port", "Ethernet1=a", "--port", "Ethernet1=b"}, {"Ethernet1=b", "given to a"}},
+       {{"--port", "Ethernet1=a", "--port", "Ethernet2=a"}, {"Ethernet2=a"}},
+       {{"--feeders", "dreams"}, {"--feeders", "dreams"}},
+       {{"--feeders", "none", "eth0"}, {"--feeders", "links"}},
+       {{"--trace", "Nothing"}, {"--trace", "Nothing"}},
+       {{"--trace", "A=10"}, {"--trace", "A=10"}},
+       {{"--trace", "A=1,"}, {"A=1,"}},
+       {{"--trace", "A="}, {"A="}},
+       {{"--trace", "=1"}, {"=1"}},
+       {{"--socket"}, {"--socket"}},
+   };
+   for (const Case& one : cases) {
+      try {
+         parse(one.words);
+         FAIL() << one.words.front();
+      } catch (const Host::StartError& error) {
+         std::string said = error.what();
+         for (const char* word : one.said) EXPECT_THAT(said, HasSubstr(word));
+         EXPECT_THAT(said, Not(HasSubstr("\n")));
+      }
+   }
+}
+
+TEST(HostTimeAnchor, StandsForOneBoot) {
+   Host::TestFolder folder;
+   const std::string file = folder.path + "/anchor";
+   EXPECT_EQ(Host::timeAnchor(file, "boot-1", 1000.25), 1000.25);
+   EXPECT_EQ(Host::timeAnchor(file, "boot-1", 9999), 1000.25) << "a restart of the same boot";
+   EXPECT_EQ(Host::timeAnchor(file, "boot-2", 2000), 2000);
+   EXPECT_EQ(Host::timeAnchor(file, "boot-1", 3000), 3000) << "the earlier boot is forgotten";
+   EXPECT_THROW(Host::timeAnchor(folder.path + "/no/such", "boot-1", 1), Host::StartError);
+}
+
+TEST(HostTimeAnchor, ADamagedFileIsReplaced) {
+   Host::TestFolder folder;
+   const std::string file = folder.path + "/anchor";
+   Host::timeAnchor(file, "boot-1", 1234.5);
+   std::string whole;
+   std::getline(std::ifstream(file), whole);
+   for (size_t length = 0; length < whole.size(); ++length) {
+      std::ofstream(file) << whole.substr(0, length);
+      EXPECT_EQ(Host::timeAnchor(file, "boot-1", 7), 7) << whole.substr(0, length);
+   }
+   std::ofstream(file) << "boot-1 nan end";
+   EXPECT_EQ(Host::timeAnchor(file, "boot-1", 7), 7);
+}
+
+TEST(HostFile, AFolderIsMadeOrRefused) {
+   Host::TestFolder folder;
+   Host::writableFolder(folder.path + "/a/b", "the folder");
+   Host::writeWhole(folder.path + "/a/b/file", "one");
+   Host::writeWhole(folder.path + "/a/b/file", "two");
+   std::string content;
+   std::getline(std::ifstream(folder.path + "/a/b/file"), content);
+   EXPECT_EQ(content, "two");
+   for (const std::string& bad : {folder.path + "/a/b/file", folder.path + "/a/b/file/below"}) {
+      try {
+         Host::writableFolder(bad, "the folder");
+         FAIL() << bad;
+      } catch (const Host::StartError& error) {
+         EXPECT_THAT(error.what(), StartsWith("the folder " + bad));
+      }
+   }
+}
+
+}  // namespace
