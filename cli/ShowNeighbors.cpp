@@ -1,0 +1,77 @@
+#include "cli/ShowNeighbors.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+
+#include "cli/Agent.h"
+#include "cli/Neighbor.h"
+
+namespace LldpCli {
+namespace {
+
+struct Options {
+   std::optional<std::string> port;
+   bool detail = false;
+   bool json = false;
+};
+
+// By port, those of a port in the order in which they came.
+Json neighborsOf(const Ports& ports, double now) {
+   Json list = Json::array();
+   for (const auto& [port, status] : ports) {
+      std::map<int, Json> byIndex;
+      for (const Json& remoteSystem : status.at("remoteSystem")) {
+         byIndex.emplace(remoteSystem.at("index").get<int>(), neighbor(port, remoteSystem, now));
+      }
+      for (auto& [index, view] : byIndex) list.push_back(std::move(view));
+   }
+   return list;
+}
+
+void printTable(std::ostream& out, const Json& neighbors, std::optional<size_t> width) {
+   Table table(neighborColumns());
+   for (const Json& neighbor : neighbors) table.add(neighborRow(neighbor));
+   table.print(out, width);
+}
+
+void printDetail(std::ostream& out, const Json& neighbors) {
+   const char* between = "";
+   for (const Json& neighbor : neighbors) {
+      out << between << neighbor.at("port").get<std::string>() << ", neighbor "
+          << neighbor.at("index").get<int>() << "\n";
+      printFields(out, neighborFields(neighbor), "  ");
+      between = "\n";
+   }
+}
+
+void run(const Options& options, Session& session) {
+   Agent agent(session.socketPath);
+   Json neighbors =
+       neighborsOf(agent.ports(agent.statusPath(), "portStatus", options.port), agent.now());
+   if (options.json) {
+      session.out << Json{{"neighbors", neighbors}}.dump(2) << "\n";
+   } else if (neighbors.empty()) {
+      session.out << (options.port ? "no neighbors on " + *options.port : "no neighbors") << "\n";
+   } else if (options.detail) {
+      printDetail(session.out, neighbors);
+   } else {
+      printTable(session.out, neighbors, session.width);
+   }
+}
+
+}  // namespace
+
+void addShowNeighbors(CLI::App& show, Session& session) {
+   auto options = std::make_shared<Options>();
+   CLI::App* command = show.add_subcommand("neighbors", "the neighbors and what they say");
+   command->fallthrough();
+   command->add_option("PORT", options->port, "only this port, such as Ethernet1");
+   command->add_flag("--json", options->json, "everything, as JSON for scripts");
+   CLI::App* detail = command->add_subcommand("detail", "everything each neighbor says, and when");
+   detail->fallthrough();
+   detail->callback([options] { options->detail = true; });
+   command->callback([options, &session] { run(*options, session); });
+}
+
+}  // namespace LldpCli

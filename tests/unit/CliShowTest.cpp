@@ -1,0 +1,372 @@
+// The operator's command against a management API that serves the system's own entities.
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "Interface/EthPhyIntfStatus.h"
+#include "Interface/IntfStatus.h"
+#include "cli/Client.h"
+#include "cli/CommandLine.h"
+#include "cli/Failure.h"
+#include "model/Config.h"
+#include "model/LocalSystem.h"
+#include "model/Status.h"
+#include "unit/CliFakeAgent.h"
+
+namespace {
+
+using LldpCli::Json;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr double now = 1000;
+const Wirekit::IntfId ethernet1("Ethernet1");
+const Wirekit::IntfId ethernet2("Ethernet2");
+const Wirekit::IntfId ethernet10("Ethernet10/1");
+
+struct Done {
+   int status;
+   std::string out;
+   std::string err;
+};
+
+Done run(std::vector<std::string> words, std::optional<size_t> width = std::nullopt) {
+   std::ostringstream out;
+   std::ostringstream err;
+   int status = LldpCli::runCommandLine(words, width, out, err);
+   return {status, out.str(), err.str()};
+}
+
+Lldp::RemoteSystem::Msap msap(const char* chassis, const char* port) {
+   return {{Lldp::ChassisIdSubtype::local, Lldp::ChassisId(chassis)},
+           {Lldp::PortIdSubtype::interfaceName, Lldp::PortId(port)}};
+}
+
+class CliShow : public testing::Test {
+ protected:
+   CliShow() {
+      for (const auto& port : {ethernet10, ethernet2, ethernet1}) {
+         status->portStatusIs(port, now - 500);
+         config->portConfigIs(port)->adminStatusIs(Lldp::AdminStatus::txAndRx);
+         local->localPortIs(port)->portIdentifierIs(
+             {Lldp::PortIdSubtype::interfaceName, Lldp::PortId(port.stringValue())});
+      }
+   }
+
+   Rex::Ptr<Lldp::RemoteSystem> bare(const Wirekit::IntfId& port, int index, const char* name) {
+      auto made = status->portStatus(port)->remoteSystemIs(index, msap(name, "p1"));
+      made->ttlIs(120);
+      made->creationTimeIs(now - 100);
+      made->lastChangeTimeIs(now - 90);
+      made->lastRefreshTimeIs(now - 22.5);
+      made->expiryTimeIs(now + 97.5);
+      made->ethAddrIs(Wirekit::EthAddr(2, 0, 0, 0, 0, 9));
+      return made;
+   }
+
+   Rex::Ptr<Lldp::RemoteSystem> talkative(const Wirekit::IntfId& port, int index) {
+      using Text = Lldp::BoundedString255;
+      auto made = bare(port, index, "rack");
+      made->portDescIs(Lldp::BoundedString255Tlv::create(Text("uplink")));
+      made->sysNameIs(Lldp::BoundedString255Tlv::create(Text("spine-1")));
+      made->sysDescIs(Lldp::BoundedString255Tlv::create(Text("")));
+      made->systemCapabilitiesIs(Lldp::SystemCapabilitiesTlv::create(0x14, 0x04));
+      Lldp::ManagementAddress address;
+      address.key = {1, Lldp::ManAddress("\xc0\x00\x02\x01", 4)};
+      address.ifSubtype = 2;
+      address.ifNumber = 7;
+      address.oid.text = "1.3.6";
+      made->managementAddressIs(address);
+      made->unknownTlvIs({10, Lldp::BoundedString511("\x0a\xff", 2)});
+      made->unknownOrgDefTlvIs({{{0x0080C2}, 1, 2}, Lldp::BoundedString507("\x00\x05", 2)});
+      made->unknownOrgDefTlvIs({{{0x0080C2}, 1, 1}, Lldp::BoundedString507("ab", 2)});
+      return made;
+   }
+
+   // Runs the command against the entities as they stood at the first one.
+   Done ask(std::vector<std::string> words, std::optional<size_t> width = std::nullopt) {
+      if (!serving) {
+         agent.serve("l2discovery/lldp/status/local/1", *status);
+         agent.serve("l2discovery/lldp/config", *config);
+         agent.serve("l2discovery/lldp/localSystem", *local);
+         agent.serve("interface/status/eth/phy/all", *phys);
+         agent.serve("interface/status/all", *intfs);
+         agent.start();
+         serving = true;
+      }
+      words.insert(words.begin(), {"--socket", agent.socketPath(), "show"});
+      return run(words, width);
+   }
+   std::string show(const std::vector<std::string>& words,
+                    std::optional<size_t> width = std::nullopt) {
+      Done done = ask(words, width);
+      EXPECT_EQ(done.status, 0);
+      EXPECT_EQ(done.err, "");
+      return done.out;
+   }
+   Json showJson(std::vector<std::string> words) {
+      words.push_back("--json");
+      return Json::parse(show(words));
+   }
+
+   bool serving = false;
+   CliFakeAgent agent{now};
+   Rex::Ptr<Lldp::Status> status = Rex::make<Lldp::Status>();
+   Rex::Ptr<Lldp::Config> config = Rex::make<Lldp::Config>();
+   Rex::Ptr<Lldp::LocalSystem> local = Rex::make<Lldp::LocalSystem>();
+   Rex::Ptr<Interface::AllEthPhyIntfStatusDir> phys =
+       Rex::make<Interface::AllEthPhyIntfStatusDir>();
+   Rex::Ptr<Interface::AllIntfStatusDir> intfs = Rex::make<Interface::AllIntfStatusDir>();
+};
+
+TEST_F(CliShow, NeighborsAsJson) {
+   talkative(ethernet1, 3);
+   EXPECT_EQ(showJson({"neighbors"}), Json::parse(R"({"neighbors": [{
+      "port": "Ethernet1", "index": 3,
+      "chassis": {"subtype": "local", "id": "rack"},
+      "portId": {"subtype": "interfaceName", "id": "p1"},
+      "portDescription": "uplink", "systemName": "spine-1", "systemDescription": "",
+      "capabilities": {"supported": ["Bridge", "Router"], "enabled": ["Bridge"]},
+      "managementAddresses": [{"family": "ipv4", "familyNumber": 1, "address": "192.0.2.1",
+         "interfaceNumbering": "ifIndex", "interfaceNumber": 7, "oid": "1.3.6"}],
+      "unknownTlvs": [{"type": 10, "value": "0aff"}],
+      "unknownOrganizationTlvs": [
+         {"oui": "00-80-c2", "subtype": 1, "index": 1, "value": "6162"},
+         {"oui": "00-80-c2", "subtype": 1, "index": 2, "value": "0005"}],
+      "ttl": 120, "expiresInSeconds": 97.5, "ageSeconds": 100.0, "sinceChangeSeconds": 90.0,
+      "sinceRefreshSeconds": 22.5, "sourceMac": "02:00:00:00:00:09"}]})"));
+}
+
+TEST_F(CliShow, WhatWasNotSaidIsNotInTheJson) {
+   bare(ethernet1, 1, "quiet")->expiryTimeIs(std::numeric_limits<double>::infinity());
+   Json row = showJson({"neighbors"}).at("neighbors").at(0);
+   for (const char* absent : {"portDescription", "systemName", "systemDescription", "capabilities",
+                              "expiresInSeconds"}) {
+      EXPECT_FALSE(row.contains(absent)) << absent;
+   }
+   EXPECT_EQ(row.at("managementAddresses"), Json::array());
+}
+
+TEST_F(CliShow, NeighborTableInTheOrderOfPortsAndAge) {
+   bare(ethernet10, 1, "ten");
+   bare(ethernet2, 12, "two-later");
+   bare(ethernet2, 9, "two");
+   talkative(ethernet1, 1);
+   EXPECT_EQ(show({"neighbors"}),
+             "Port          Neighbor   Chassis ID  Port ID  Description  Left/TTL  Capabilities\n"
+             "Ethernet1     spine-1    rack        p1       uplink         98/120  Bridge\n"
+             "Ethernet2     two        two         p1       -              98/120  -\n"
+             "Ethernet2     two-later  two-later   p1       -              98/120  -\n"
+             "Ethernet10/1  ten        ten         p1       -              98/120  -\n");
+}
+
+TEST_F(CliShow, NeighborsOfOnePort) {
+   talkative(ethernet1, 1);
+   bare(ethernet10, 1, "ten");
+   std::string shown = show({"neighbors", "Ethernet10/1"});
+   EXPECT_THAT(shown, HasSubstr("ten"));
+   EXPECT_THAT(shown, Not(HasSubstr("spine-1")));
+}
+
+TEST_F(CliShow, NeighborsInDetail) {
+   talkative(ethernet1, 3);
+   EXPECT_EQ(show({"neighbors", "Ethernet1", "detail"}, 40),
+             "Ethernet1, neighbor 3\n"
+             "  Chassis ID                rack (locally assigned)\n"
+             "  Port ID                   p1 (interface name)\n"
+             "  Port description          uplink\n"
+             "  System name               spine-1\n"
+             "  System description        -\n"
+             "  Capabilities supported    Bridge, Router\n"
+             "  Capabilities enabled      Bridge\n"
+             "  Management address        192.0.2.1 (IPv4), interface index 7, OID 1.3.6\n"
+             "  Unknown TLV               type 10: 0aff\n"
+             "  Unknown organization TLV  00-80-c2 subtype 1: 6162\n"
+             "  Unknown organization TLV  00-80-c2 subtype 1: 0005\n"
+             "  Time to live              120 s, 98 s left\n"
+             "  Discovered                1 min 40 s ago\n"
+             "  Last change               1 min 30 s ago\n"
+             "  Last refresh              22 s ago\n"
+             "  Source MAC                02:00:00:00:00:09\n");
+}
+
+TEST_F(CliShow, NobodyThere) {
+   EXPECT_EQ(show({"neighbors", "Ethernet2"}), "no neighbors on Ethernet2\n");
+   EXPECT_EQ(show({"neighbors"}), "no neighbors\n");
+   EXPECT_EQ(showJson({"neighbors"}), Json::parse(R"({"neighbors": []})"));
+}
+
+TEST_F(CliShow, WhatPeersSayIsHarmlessInEveryForm) {
+   auto hostile = bare(ethernet1, 1,
+                       "\x1b[2J\x9b"
+                       "31m\n");
+   hostile->sysNameIs(Lldp::BoundedString255Tlv::create(
+       Lldp::BoundedString255("\x1b]0;title\x07\u202e\xc2\x9b rebel")));
+   hostile->portDescIs(Lldp::BoundedString255Tlv::create(Lldp::BoundedString255("\xff\r\b")));
+   std::string shown =
+       show({"neighbors"}) + show({"neighbors", "detail"}) + show({"neighbors", "--json"});
+   EXPECT_THAT(shown, HasSubstr(R"(\x1b]0;title\x07\xe2\x80\xae\xc2\x9b rebel)"));
+   EXPECT_THAT(shown, HasSubstr(R"(\\x1b]0;title\\x07)"));  // as JSON writes a backslash
+   for (unsigned char c : shown) EXPECT_TRUE(c == '\n' || (c >= 0x20 && c < 0x7F)) << +c;
+}
+
+TEST_F(CliShow, UnknownPorts) {
+   Done done = ask({"neighbors", "Ethernet\n77"});
+   EXPECT_EQ(done.status, 1);
+   EXPECT_EQ(done.err,
+             "lldp: no port 'Ethernet\\x0a77'; the ports are Ethernet1, Ethernet2, Ethernet10/1\n");
+   for (const char* what : {"neighbors", "local", "statistics"}) {
+      for (const char* port : {"Ethernet77", "", "../Ethernet1"}) {
+         done = ask({what, port});
+         EXPECT_EQ(done.status, 1);
+         EXPECT_THAT(done.err, HasSubstr("the ports are Ethernet1, ")) << what;
+      }
+   }
+}
+
+TEST_F(CliShow, Local) {
+   local->chassisIdentifierIs(
+       {Lldp::ChassisIdSubtype::macAddress, Lldp::ChassisId("\x02\x00\x00\x00\x00\x01", 6)});
+   local->sysNameIs(Lldp::BoundedString255("leaf-1"));
+   local->sysCapSupportedIs(0x14);
+   Lldp::ManagementAddress ip6;
+   ip6.key = {2, Lldp::ManAddress("\x20\x01\x0d\xb8\0\0\0\0\0\0\0\0\0\0\0\1", 16)};
+   local->ip6ManagementAddressIs(ip6);
+   config->portConfig(ethernet1)->adminStatusIs(Lldp::AdminStatus::rxOnly);
+   EXPECT_EQ(showJson({"local", "Ethernet1"}), Json::parse(R"({"local": {
+      "chassis": {"subtype": "macAddress", "id": "02:00:00:00:00:01"}, "systemName": "leaf-1",
+      "capabilities": {"supported": ["Bridge", "Router"], "enabled": []},
+      "managementAddresses": [{"family": "ipv6", "familyNumber": 2, "address": "2001:db8::1",
+         "interfaceNumbering": "unknown", "interfaceNumber": 0}],
+      "timers": {"transmitInterval": 30, "holdTime": 120, "reinitDelay": 2, "transmitDelay": 2},
+      "ports": [{"port": "Ethernet1", "portId": {"subtype": "interfaceName", "id": "Ethernet1"},
+         "adminStatus": "rxOnly"}]}})"));
+   std::string words = show({"local"});
+   EXPECT_THAT(words, HasSubstr("Chassis ID              02:00:00:00:00:01 (MAC address)\n"));
+   EXPECT_THAT(
+       words,
+       HasSubstr("Ethernet1     Ethernet1 (interface name)     -            receive only\n"));
+}
+
+TEST_F(CliShow, Statistics) {
+   bare(ethernet2, 1, "two");
+   auto port = status->portStatus(ethernet2);
+   port->rxFramesTotalInc(11);
+   port->txFramesTotalInc(12);
+   port->rxAgeoutsTotalInc(13);
+   port->lastTxTimeIs(now - 3);
+   status->remTablesInsertsInc(4);
+   status->remTablesLastChangeTimeIs(now - 61);
+   Json all = showJson({"statistics"}).at("statistics");
+   EXPECT_EQ(all.at("table"), Json::parse(R"({"inserts": 4, "deletes": 0, "drops": 0, "ageouts": 0,
+      "sinceChangeSeconds": 61.0})"));
+   EXPECT_EQ(all.at("ports").size(), 3u);
+   EXPECT_EQ(all.at("ports").at(1), Json::parse(R"({"port": "Ethernet2", "neighbors": 1,
+      "framesSent": 12, "framesShortOfRoom": 0, "framesNotSent": 0, "framesReceived": 11,
+      "framesDiscarded": 0, "framesWithErrors": 0, "tlvsDiscarded": 0, "tlvsUnrecognized": 0,
+      "neighborsAgedOut": 13, "sinceSentSeconds": 3.0})"));
+   std::string words = show({"statistics", "Ethernet2"});
+   EXPECT_THAT(words, HasSubstr("Frames received                             11\n"));
+   words = show({"statistics"});
+   EXPECT_THAT(words, HasSubstr("Last change                         1 min 1 s ago\n"));
+   EXPECT_THAT(words, testing::ContainsRegex("\nEthernet2  +1  +12  +0  +0  +11  "));
+}
+
+TEST_F(CliShow, Interfaces) {
+   for (const auto& port : {ethernet10, ethernet2}) {
+      auto phy = Rex::make<Interface::EthPhyIntfStatus>(port);
+      phy->linkStatusIs(port == ethernet2 ? Interface::linkUp : Interface::linkDown);
+      phys->intfStatusIs(phy);
+   }
+   auto intf = Rex::make<Interface::IntfStatus>(ethernet2);
+   intf->deviceNameIs("eth1");
+   intfs->intfStatusIs(intf);
+   config->portConfigDel(ethernet10);
+   EXPECT_EQ(show({"interfaces"}),
+             "Port          Device  Link  MAC                LLDP\n"
+             "Ethernet2     eth1    up    00:00:00:00:00:00  transmit and receive\n"
+             "Ethernet10/1  -       down  00:00:00:00:00:00  -\n");
+   EXPECT_EQ(showJson({"interfaces"}), Json::parse(R"({"interfaces": [
+      {"port": "Ethernet2", "device": "eth1", "link": "up", "mac": "00:00:00:00:00:00",
+       "adminStatus": "txAndRx"},
+      {"port": "Ethernet10/1", "link": "down", "mac": "00:00:00:00:00:00"}]})"));
+}
+
+TEST(CliCommandLine, MisuseIsOneLineAndStatus2) {
+   const std::vector<std::pair<std::vector<std::string>, const char*>> cases{
+       {{}, "show"},
+       {{"show"}, "neighbors, local, statistics, interfaces"},
+       {{"show", "nothing"}, "nothing"},
+       {{"show", "neighbors", "Ethernet1", "Ethernet2"}, "Ethernet2"},
+       {{"show", "local", "--detail"}, "--detail"},
+       {{"show", "neighbors", "--socket"}, "--socket"},
+       {{"show", "\x1b[2J\n"}, "\\x1b[2J\\x0a"},
+   };
+   for (const auto& [words, named] : cases) {
+      Done done = run(words);
+      EXPECT_EQ(done.status, 2);
+      EXPECT_THAT(done.err, HasSubstr(named));
+      EXPECT_EQ(std::count(done.err.begin(), done.err.end(), '\n'), 1) << done.err;
+   }
+   EXPECT_EQ(run({"--help"}).status, 0);
+}
+
+TEST(CliCommandLine, NoAgent) {
+   CliFakeAgent nobody;  // has not started to listen
+   Done done = run({"show", "neighbors", "--socket", nobody.socketPath()});
+   EXPECT_EQ(done.status, 1);
+   EXPECT_EQ(done.err,
+             "lldp: no agent answers at " + nobody.socketPath() +
+                 "; start one with 'lldp-agentd', or name its socket with --socket PATH\n");
+   for (const std::string& path : {std::string(), std::string(200, 'x')}) {
+      EXPECT_THAT(run({"show", "local", "--socket", path}).err, HasSubstr("is no socket path"));
+   }
+}
+
+TEST(CliCommandLine, AnswersThatAreNone) {
+   auto say = [](const std::string& octets) {
+      CliFakeAgent agent;
+      agent.alwaysSay(octets);
+      agent.start();
+      Done done = run({"show", "neighbors", "--socket", agent.socketPath()});
+      EXPECT_EQ(done.status, 1);
+      EXPECT_EQ(std::count(done.err.begin(), done.err.end(), '\n'), 1) << done.err;
+      return done.err;
+   };
+   auto http = [](const std::string& status, const std::string& body) {
+      return "HTTP/1.1 " + status + "\r\nContent-Length: " + std::to_string(body.size()) +
+             "\r\n\r\n" + body;
+   };
+   EXPECT_THAT(say("HTTP/1.1 200 OK\r\nContent-Le"), HasSubstr("broke off"));
+   EXPECT_THAT(say("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n{"), HasSubstr("broke off"));
+   EXPECT_THAT(say("220 mail\r\n\r\n"), HasSubstr("does not speak HTTP"));
+   EXPECT_THAT(say(http("200 OK", "{")), HasSubstr("not JSON"));
+   EXPECT_THAT(say(http("200 OK", "[1]")), HasSubstr("not understood"));
+   EXPECT_THAT(say(http("403 Forbidden", "")), HasSubstr("no right"));
+   EXPECT_THAT(say(http("503 Busy", R"({"error": {"message": "too many clients\u001b"}})")),
+               HasSubstr("too many clients\\x1b (503)"));
+}
+
+TEST(CliCommandLine, ASilentAgentIsGivenUp) {
+   CliFakeAgent agent;
+   agent.answer("/v1/agent", "200 OK", "");
+   agent.alwaysSay("HTTP/1.1 100 Continue\r\n");
+   agent.start();
+   LldpCli::Client client(agent.socketPath(), std::chrono::milliseconds(20));
+   EXPECT_THROW(client.get("/v1/agent"), LldpCli::Failure);
+}
+
+TEST(CliCommandLine, OutputThatCannotBeWritten) {
+   CliFakeAgent agent;
+   agent.serve("l2discovery/lldp/status/local/1", *Rex::make<Lldp::Status>());
+   agent.start();
+   std::ofstream full("/dev/full");
+   std::ostringstream err;
+   EXPECT_EQ(LldpCli::runCommandLine({"show", "neighbors", "--socket", agent.socketPath()}, {},
+                                     full, err),
+             1);
+   EXPECT_THAT(err.str(), HasSubstr("cannot write"));
+}
+
+}  // namespace
