@@ -1,0 +1,124 @@
+"""The program under test: the agent's process, its management API and the operator's command."""
+
+import http.client
+import json
+import os
+import pathlib
+import signal
+import socket
+import subprocess
+
+from netns import eventually
+
+BUILD = pathlib.Path(os.environ.get("LLDP_BUILD") or
+                     pathlib.Path(__file__).resolve().parents[2] / "build" / "release")
+AGENTD = BUILD / "bin" / "lldp-agentd"
+LLDP = BUILD / "bin" / "lldp"
+
+
+class _UnixConnection(http.client.HTTPConnection):
+    def __init__(self, path):
+        super().__init__("switch", timeout=10)
+        self._path = str(path)
+
+    def connect(self):
+        self.sock = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
+        self.sock.settimeout(self.timeout)
+        self.sock.connect(self._path)
+
+
+def request(socket_path, method, path, body=None):
+    """One request to the management API: status and decoded body (None when empty)."""
+    connection = _UnixConnection(socket_path)
+    try:
+        text = None if body is None else (body if isinstance(body, bytes) else json.dumps(body))
+        connection.request(method, path, text, {"Content-Type": "application/json"})
+        answer = connection.getresponse()
+        content = answer.read()
+        return answer.status, json.loads(content) if content else None
+    finally:
+        connection.close()
+
+
+class Agent:
+    """One lldp-agentd in a namespace. devices: {"Ethernet1": "eth1"} or a list of devices."""
+
+    def __init__(self, namespace, folder, devices, *options, hostname="dut-switch", cell=1):
+        self.namespace, self.folder, self.hostname, self.cell = namespace, folder, hostname, cell
+        self.socket = folder / "api.sock"
+        self.log = folder / "log"
+        usual = {"--socket": self.socket, "--run-dir": folder / "run",
+                 "--state-dir": folder / "state", "--cell": cell}
+        words = [AGENTD]
+        for option, value in usual.items():
+            if option not in options:
+                words += [option, value]
+        if isinstance(devices, dict):
+            for name, device in devices.items():
+                words += ["--port", f"{name}={device}"]
+            devices = list(devices.values())
+        self.command = namespace.command(*words, *options, *devices, hostname=hostname)
+        self.process = None
+
+    def start(self, timeout=10):
+        with open(self.log, "wb") as log:
+            self.process = subprocess.Popen(self.command, stdin=subprocess.DEVNULL, stdout=log,
+                                            stderr=subprocess.STDOUT)
+        assert eventually(self.serves, timeout), f"the agent does not serve:\n{self.words()}"
+        return self
+
+    def serves(self):
+        assert self.process.poll() is None, f"the agent ended:\n{self.words()}"
+        try:
+            return request(self.socket, "GET", "/v1/paths")[0] == 200
+        except OSError:
+            return False
+
+    def stop(self):
+        """Ends it in order and returns its exit status."""
+        self.process.send_signal(signal.SIGTERM)
+        return self.process.wait(10)
+
+    def alive(self):
+        return self.process.poll() is None
+
+    def words(self):
+        """What it has written so far."""
+        return self.log.read_text(errors="replace")
+
+    # --- management API
+
+    def get(self, path):
+        status, body = request(self.socket, "GET", f"/v1/entity/{path}")
+        return body if status == 200 else None
+
+    def patch(self, path, **attributes):
+        status, body = request(self.socket, "PATCH", f"/v1/entity/{path}", attributes)
+        assert status < 300, body
+
+    def configure(self, **attributes):
+        self.patch("l2discovery/lldp/cliConfig", **attributes)
+
+    def status_path(self, port=None):
+        path = f"l2discovery/lldp/status/local/{self.cell}"
+        return path if port is None else f"{path}/portStatus/{port.replace('/', '%2F')}"
+
+    def port_status(self, port):
+        return self.get(self.status_path(port)) or {}
+
+    def neighbours(self, port):
+        """The neighbours of a port as the store has them, oldest first."""
+        members = self.port_status(port).get("remoteSystem") or {}
+        rows = members.values() if isinstance(members, dict) else members
+        return sorted(rows, key=lambda row: row["index"])
+
+    # --- operator's command
+
+    def lldp(self, *words):
+        done = subprocess.run([LLDP, "--socket", self.socket, *words], capture_output=True,
+                              text=True, timeout=30)
+        assert done.returncode == 0, done.stderr
+        return done.stdout
+
+    def lldp_json(self, *words):
+        return json.loads(self.lldp(*words, "--json"))

@@ -1,0 +1,139 @@
+"""What the agent sends, judged octet by octet and by an independent dissector."""
+
+import subprocess
+
+import pytest
+from scapy.packet import Raw
+from scapy.utils import wrpcap
+
+from agent import request
+from frames import frame, split
+from netns import eventually
+
+NONE = {f"tlv{name}": False for name in (
+    "PortDesc", "SysName", "SysDesc", "SysCap", "MgmtAddr", "PortVlan", "LinkAggregation",
+    "MaximumFrameSize", "PowerViaMdi", "NetworkPolicy")}
+
+
+def judge(tmp_path, frames):
+    """Asserts that the dissector has nothing to remark, and returns its fields of each frame."""
+    capture = tmp_path / "sent.pcap"
+    wrpcap(str(capture), [Raw(f) for f in frames], linktype=1)
+    assert tshark(capture, "-Y", "_ws.expert || _ws.malformed || eth.padding || !lldp") == "", \
+        tshark(capture, "-V")
+    for octets in frames:
+        kinds = [kind for kind, _ in split(octets[14:])]
+        assert 0 not in kinds[:-1], f"the frame goes on behind its end: {kinds}"
+        assert octets[-2:] == b"\x00\x00", "there is no end"
+    names = ["eth.trailer", "lldp.chassis.id.mac", "lldp.port.id", "lldp.time_to_live"]
+    rows = [line.split("\t") for line in
+            tshark(capture, "-T", "fields", *(w for n in names for w in ("-e", n))).splitlines()]
+    # This dissector does not count the End of LLDPDU and the octet before it as its own, whoever
+    # sent the frame; any octet too many comes on top of these three.
+    assert [row[0] for row in rows] == [octets[-3:].hex() for octets in frames]
+    return [row[1:] for row in rows]
+
+
+def tshark(capture, *words):
+    return subprocess.run(["tshark", "-n", "-r", capture, *words], check=True, text=True,
+                          capture_output=True).stdout
+
+
+# The judge is no rubber stamp: each of these rows is good but for one thing.
+@pytest.mark.parametrize("spoil", [
+    lambda f: f + b"\x00", lambda f: f + b"\x00\x00", lambda f: f[:-1], lambda f: f[:-2],
+    lambda f: f[:-2] + b"\x0a\x10x", lambda f: f[:14] + b"\x02\x06" + f[16:]])
+def test_the_judge_finds_fault(tmp_path, spoil):
+    good = frame(name="good")
+    judge(tmp_path, [good])
+    with pytest.raises(AssertionError):
+        judge(tmp_path, [good, spoil(good)])
+
+
+def hear(wire, count):
+    heard = [wire.hear(4) for _ in range(count)]
+    assert None not in heard, "the agent is silent"
+    return heard
+
+
+def heard_with(wire, condition):
+    """The first frame from now on whose LLDPDU fulfils the condition."""
+    return eventually(lambda: (f := wire.hear(4)) and condition(dict(split(f[14:]))) and f, 6)
+
+
+def test_the_least_frame_octet_by_octet(bench, tmp_path):
+    bench.agent.configure(messageTxInterval=1, messageTxHoldTime=0x1234, **NONE)
+    wire = bench.wire()
+    sent = heard_with(wire, lambda rows: set(rows) == {0, 1, 2, 3})
+    assert sent, hear(wire, 1)
+    mac = bytes.fromhex(bench.near.mac("eth1").replace(":", ""))
+    chassis = dict(split(sent[14:]))[1][1:]
+    assert chassis in {bytes.fromhex(bench.near.mac(d).replace(":", "")) for d in ("eth1", "eth2")}
+    assert sent == (bytes.fromhex("0180c200000e") + mac + bytes.fromhex("88cc") +
+                    bytes.fromhex("020704") + chassis + bytes.fromhex("040a05") + b"Ethernet1" +
+                    bytes.fromhex("06021234") + bytes.fromhex("0000"))
+    judge(tmp_path, [sent])
+
+
+def test_a_frame_of_every_basic_part(bench, tmp_path):
+    bench.agent.configure(messageTxInterval=1, tlvPortDesc=True, tlvSysName=True, tlvSysDesc=True,
+                          tlvSysCap=True, tlvMgmtAddr=True)
+    bench.agent.patch("interface/config/eth/phy/all/intfConfig/Ethernet1", description="d" * 255)
+    wire = bench.wire()
+    sent = heard_with(wire, lambda rows: rows.get(4) == b"d" * 255)
+    assert sent
+    rows = split(sent[14:])
+    assert [kind for kind, _ in rows if kind != 8] == [1, 2, 3, 4, 5, 6, 7, 0]
+    values = dict(rows)
+    assert values[5] == bench.agent.hostname.encode()
+    assert values[6] and len(values[6]) <= 255
+    assert values[7] == bytes.fromhex("00140004")
+    (fields,) = judge(tmp_path, [sent])
+    mac = ":".join(f"{octet:02x}" for octet in values[1][1:])
+    assert fields == [mac, "Ethernet1", "120"]
+
+
+# Over some seconds of life: changes, a neighbour, a link that flaps.
+def test_the_dissector_has_nothing_to_remark(bench, tmp_path):
+    bench.agent.configure(messageTxInterval=1)
+    wire = bench.wire()
+    sent = hear(wire, 2)
+    wire.send(frame(name="a neighbour"))
+    sent += hear(wire, 1)
+    for hold in (1, 65535, 65537):
+        bench.agent.configure(messageTxHoldTime=hold)
+        sent.append(heard_with(wire, lambda rows, hold=hold:
+                               rows[3] == (hold & 0xFFFF).to_bytes(2, "big")))
+    assert None not in sent
+    fields = judge(tmp_path, sent)
+    assert [row[2] for row in fields] == ["120", "120", "120", "1", "65535", "1"]
+
+
+# 0 on a link that is up would say goodbye in every frame; nothing else ever says it.
+def test_the_agent_never_says_goodbye(bench):
+    bench.agent.configure(messageTxInterval=1)
+    wire = bench.wire()
+    hear(wire, 1)
+    wire.drain()
+    bench.agent.configure(enabled=False)
+    assert wire.hear(2.5) is None
+    bench.agent.configure(enabled=True)
+    hear(wire, 1)
+    wire.drain()
+    assert bench.agent.stop() == 0
+    assert wire.hear(1) is None
+
+
+@pytest.mark.parametrize("status, sends, receives", [
+    ("txOnly", True, False), ("rxOnly", False, True), ("disabled", False, False)])
+def test_the_operators_port_status(bench, status, sends, receives):
+    bench.agent.configure(messageTxInterval=1)
+    code, body = request(bench.agent.socket, "PUT",
+                         "/v1/entity/l2discovery/lldp/cliConfig/cliPortConfig/Ethernet1",
+                         {"adminStatus": status})
+    assert code < 300, body
+    wire = bench.wire()
+    wire.drain()
+    wire.send(frame(name="hello"))
+    assert (wire.hear(4) is not None) == sends
+    assert bool(bench.agent.neighbours("Ethernet1")) == receives
