@@ -84,7 +84,7 @@ void Daemon::checkPlatform() const {
 void Daemon::startFeeders() {
    names_.emplace(options_.ports, options_.stateDir + "/ports.json");
    feeders_.emplace(Feeders::Setup{agent_->entityManager(), loop_, *names_, options_.feeders,
-                                   options_.served()});
+                                   options_.served(), options_.devices.empty()});
    feeders_->start();
 }
 

@@ -26,6 +26,16 @@ void writableFolder(const std::string& folder, const std::string& purpose) {
    }
 }
 
+// Makes a change of a folder's entries durable. What cannot be synced is as durable as the file
+// system makes it by itself.
+static void syncFolder(const std::string& path) {
+   std::string folder = std::filesystem::path(path).parent_path().string();
+   int fd = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+   if (fd < 0) return;
+   fsync(fd);
+   close(fd);
+}
+
 void writeWhole(const std::string& path, const std::string& content) {
    std::string fresh = path + ".new";
    int fd = open(fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
@@ -34,7 +44,10 @@ void writeWhole(const std::string& path, const std::string& content) {
                fsync(fd) == 0;
    int error = errno;
    if (fd >= 0) close(fd);
-   if (good && rename(fresh.c_str(), path.c_str()) == 0) return;
+   if (good && rename(fresh.c_str(), path.c_str()) == 0) {
+      syncFolder(path);
+      return;
+   }
    if (good) error = errno;
    unlink(fresh.c_str());
    throw StartError(path + " cannot be written: " + std::strerror(error));

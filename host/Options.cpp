@@ -108,8 +108,8 @@ void declare(CLI::App& app, Options& options, Words& words) {
       app.add_option(name, values, help)->allow_extra_args(false)->type_name(form);
    };
    app.add_option("DEVICE", words.devices,
-                  "Device to serve; those of --port are served too. Without any: every physical "
-                  "device and every veth");
+                  "Device to serve, beside those of --port. Without any: every physical device "
+                  "and every veth");
    often("--port", "NAME=DEVICE", words.ports,
          "The switch's name of a device, such as Ethernet1=eth0. Other devices keep a name that is "
          "a port name already, or get the next free Ethernet<n>, for good (see --state-dir)");

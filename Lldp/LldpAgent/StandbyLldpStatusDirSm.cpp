@@ -18,6 +18,7 @@ StandbyLldpStatusDirSm::StandbyLldpStatusDirSm(Rex::Dir::PtrConst lldpStatusDir,
    on(lldpStatusDir_, Rex::Dir::entityPtrAttr, handleEntry);
 
    handleInitialized();
+   handleLldpStatusDir();  // harmless when repeated
 }
 
 void StandbyLldpStatusDirSm::handleInitialized() {

@@ -57,7 +57,7 @@ void StandbyEthIntfStatusDirSm::handlePhyIntfStatus(const Wirekit::IntfId& intfI
 void StandbyEthIntfStatusDirSm::doMaybeCreateDesiredIntf(const Wirekit::IntfId& intfId) {
    if (config_->portConfigHas(intfId) && localSystem_->localPortHas(intfId) &&
        root_->status()->portStatusHas(intfId)) {
-      TRACE(trace, 8, "StandbyEthIntfStatusDirSm:: Creating desiredIntf for " << intfId);
+      TRACE(trace, 8, "StandbyEthIntfStatusDirSm:: Creating desiredIntf");
       root_->desiredIntfDir()->intfDesiredIs(intfId, true);
    } else {
       root_->desiredIntfDir()->intfDesiredDel(intfId);

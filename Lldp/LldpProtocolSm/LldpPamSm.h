@@ -70,7 +70,7 @@ class LldpPamSm : public Rex::StateMachine {
    void lastTxFsmStateIs(TxFsmState state) { lastTxFsmState_ = state; }
    void handleTxFsmState();
    void handleTxFsmEvent(TxFsmEvent event);
-   void txClockIs(double time);
+   void txClockIs(double time, double now);
    void handleTxClock();
    void handleLinkStatusTx();
    void handleAdminStatus();

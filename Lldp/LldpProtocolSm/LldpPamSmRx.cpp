@@ -46,6 +46,7 @@ void takeSeparateTag(Wirekit::Pkt& pkt) {
 // One frame for each run: the packet access object asks again as long as frames wait, so that the
 // other ports have their turn in between.
 void LldpPamSm::handleReadableCount() {
+   TRACE(trace, 8, "LldpPamSm::handleReadableCount()");
    REX_ASSERT(initialized());
    auto pkt = pam()->rxPkt();
    if (!pkt) {
@@ -121,6 +122,7 @@ void LldpPamSm::handleRxRateLimitClock() {
 // A neighbour that was refreshed since the clock was set is not due yet: the clock moves on to the
 // earliest expiry of those that stay.
 void LldpPamSm::handleAgeClock() {
+   TRACE(trace, 8, "LldpPamSm::handleAgeClock()");
    REX_ASSERT(initialized());
    double now = Rex::System::currentTime();
    double next = Rex::never;
@@ -150,6 +152,7 @@ void LldpPamSm::doAgeOut(const Lldp::RemoteSystem::Msap& msap, int index) {
 
 // Link status 1 alone: a status that says nothing keeps the neighbours, though it ends sending.
 void LldpPamSm::handleLinkStatusRx() {
+   TRACE(trace, 8, "LldpPamSm::handleLinkStatusRx()");
    if (!initialized()) return;
    if (ethPhyIntfStatus()->linkStatus() != Interface::linkDown) return;
    TRACE(trace, 4, "Link down: deleting all RemoteSystems on " << intfId());

@@ -43,6 +43,7 @@ LldpPamSm::LldpPamSm(const Wirekit::IntfId& intfId, Wirekit::Pam::Ptr pam, Rex::
 LldpPamSm::~LldpPamSm() = default;
 
 void LldpPamSm::handleInitialized() {
+   TRACE(trace, 8, "LldpPamSm::handleInitialized()");
    REX_ASSERT(!initialized());
    REX_ASSERT(ethPhyIntfStatus());
    REX_ASSERT(portConfig());
@@ -96,33 +97,32 @@ void LldpPamSm::handleTxFsmState() {
             return;
          }
          TRACE(trace, 6, "Entering txWait state: starting txDelayWhile timer");
-         txClockIs(double(config->txDelay()) + now);
+         txClockIs(double(config->txDelay()) + now, now);
          return;
       case TxFsmState::txFsmTxDelay:
          TRACE(trace, 6, "Entering txDelay state: tx LLDPDU and starting txDelayWhile timer");
          doSendLldpdu();
-         txClockIs(double(config->txDelay()) + now);
+         txClockIs(double(config->txDelay()) + now, now);
          return;
       case TxFsmState::txFsmIdle:
          TRACE(trace, 6, "Entering idle state: starting txTTR timer");
          REX_ASSERT(config->messageTxInterval() >= config->txDelay());
-         txClockIs((double(config->messageTxInterval()) + now) - double(config->txDelay()));
+         txClockIs((double(config->messageTxInterval()) + now) - double(config->txDelay()), now);
          return;
       default:
          REX_ASSERT(txFsmState() == txFsmReinitializing());
          TRACE(trace, 6, "Entering reinitializing state: starting txShutdownWhile timer");
-         txClockIs(double(config->reinitDelay()) + now);
+         txClockIs(double(config->reinitDelay()) + now, now);
    }
 }
 
-void LldpPamSm::txClockIs(double time) {
+void LldpPamSm::txClockIs(double time, double now) {
    txClock_.timeMinIs(time);
-   TRACE(trace, 8,
-         "Time is " << Rex::System::currentTime() << "; txClock set to expire at "
-                    << txClock_.timeMin());
+   TRACE(trace, 8, "Time is " << now << "; txClock set to expire at " << txClock_.timeMin());
 }
 
 void LldpPamSm::handleTxClock() {
+   TRACE(trace, 8, "LldpPamSm::handleTxClock()");
    REX_ASSERT(initialized());
    handleTxFsmEvent(TxFsmEvent::clockExpired);
 }
@@ -143,6 +143,7 @@ void LldpPamSm::doCheckPortEnabled() {
 
 // The hold-off is served in full: a port that is enabled again meanwhile waits for its end.
 void LldpPamSm::handleLinkStatusTx() {
+   TRACE(trace, 8, "LldpPamSm::handleLinkStatusTx()");
    if (!initialized()) return;
    if (txFsmState() == TxFsmState::txFsmDisabled) {
       doCheckPortEnabled();
@@ -152,6 +153,7 @@ void LldpPamSm::handleLinkStatusTx() {
 }
 
 void LldpPamSm::handleAdminStatus() {
+   TRACE(trace, 8, "LldpPamSm::handleAdminStatus()");
    if (!initialized()) return;
    if (txFsmState() == TxFsmState::txFsmDisabled) {
       doCheckPortEnabled();
@@ -162,6 +164,7 @@ void LldpPamSm::handleAdminStatus() {
 
 // A new neighbour hears from this port early; one that left is told nothing.
 void LldpPamSm::handleRemoteSystem(int key) {
+   TRACE(trace, 8, "LldpPamSm::handleRemoteSystem( " << key << " )");
    if (portStatus()->remoteSystemHas(key)) doProcessSomethingChangedLocal();
 }
 

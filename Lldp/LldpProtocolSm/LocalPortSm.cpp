@@ -39,6 +39,7 @@ void LocalPortSm::handleLocalPortAttrs() {
 }
 
 void LocalPortSm::handleLocalPortPoE() {
+   TRACE(trace, 8, "LocalPortSm::handleLocalPortPoE()");
    if (const auto& localPortPoeInfo = localPort()->localPortPoeInfo()) {
       localPortPoeInfoSmIs(localPortPoeInfo, intfId(), root());
    } else {

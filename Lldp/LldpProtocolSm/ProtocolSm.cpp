@@ -49,6 +49,7 @@ void ProtocolSm::handleInitialized() {
 }
 
 void ProtocolSm::handlePam(const Wirekit::IntfId& intfId) {
+   TRACE(trace, 8, "ProtocolSm::handlePam( " << intfId << " )");
    auto pam = pamCollection()->intfPam(intfId);
    auto portConfig = config()->portConfig(intfId);
    auto portStatus = status()->portStatus(intfId);
@@ -69,9 +70,13 @@ void ProtocolSm::handlePam(const Wirekit::IntfId& intfId) {
 }
 
 void ProtocolSm::handleLocalPort(const Wirekit::IntfId& intfId) {
+   TRACE(trace, 8, "ProtocolSm::handleLocalPort( " << intfId << " )");
    if (auto localPort = localSystem()->localPort(intfId)) {
-      // One reaction may replace the port under its key; its machine watches the old one then.
-      if (auto sm = localPortSm(intfId); sm && sm->localPort() != localPort) localPortSmDel(intfId);
+      if (auto sm = localPortSm(intfId)) {
+         if (sm->localPort() == localPort) return;  // adopted before its report
+         // One reaction may replace the port under its key; its machine watches the old one then.
+         localPortSmDel(intfId);
+      }
       REX_ASSERT(!localPortSmHas(intfId));
       localPortSmIs(intfId, localPort, root());
    } else {

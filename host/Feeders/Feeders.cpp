@@ -16,7 +16,7 @@ std::set<std::string> Feeders::all() {
    return {bridging, host, links};
 }
 
-Feeders::Feeders(Setup setup) : setup_(std::move(setup)), devices_(setup_.devices) {}
+Feeders::Feeders(Setup setup) : setup_(std::move(setup)), devices_(setup_.devices, setup_.others) {}
 
 void Feeders::start() {
    if (feeds(bridging) || feeds(links)) {

@@ -29,6 +29,7 @@ class Feeders {
       PortNames& names;
       std::set<std::string> enabled = all();
       std::set<std::string> devices = {};  // that are served; none: every physical one
+      bool others = false;                 // every physical one beside `devices`
    };
 
    // The feeders' names: bridging, host, links.

@@ -71,7 +71,10 @@ LinuxLinks::LinuxLinks(Rex::Loop& loop, Links& links)
       news_(connect()),
       patience_(firstPatience),
       retry_(Rex::Context::current().clock()) {
-   retry_.handlerIs(nullptr, [this] { recover(); });
+   // A timer runs as a handler of the agent, in which a port that went and one that came under its
+   // name would be told as one change. The socket has room as good as always: waiting for that is
+   // how a turn outside is asked for.
+   retry_.handlerIs(nullptr, [this] { waitFor(EPOLLIN | EPOLLOUT); });
    nl_sock* news = news_.get();
    // News are subscribed to before everything is read, so that nothing falls between the two.
    if (!news || nl_socket_add_membership(news, RTNLGRP_LINK) < 0 ||
@@ -86,12 +89,25 @@ LinuxLinks::LinuxLinks(Rex::Loop& loop, Links& links)
    }
    nl_socket_modify_cb(news, NL_CB_VALID, NL_CB_CUSTOM, &LinuxLinks::handleMessage, this);
    if (!readAll()) throw StartError("the kernel's network devices cannot be read (netlink)");
-   loop_.descriptorIs(
-       fd, EPOLLIN, [this](uint32_t) { handleReadable(); }, Rex::Loop::Serve::outside);
+   waitFor(EPOLLIN);
 }
 
 LinuxLinks::~LinuxLinks() {
    loop_.descriptorDel(nl_socket_get_fd(news_.get()));
+}
+
+void LinuxLinks::waitFor(uint32_t events) {
+   loop_.descriptorIs(
+       nl_socket_get_fd(news_.get()), events, [this](uint32_t ready) { handleReady(ready); },
+       Rex::Loop::Serve::outside);
+}
+
+void LinuxLinks::handleReady(uint32_t events) {
+   if (events & EPOLLOUT) {
+      waitFor(EPOLLIN);
+      return recover();
+   }
+   handleReadable();
 }
 
 void LinuxLinks::handleReadable() {

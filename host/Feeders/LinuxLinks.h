@@ -31,6 +31,8 @@ class LinuxLinks {
 
    static Socket connect();
    static int handleMessage(nl_msg* message, void* self);
+   void waitFor(uint32_t events);
+   void handleReady(uint32_t events);
    void handleReadable();
    // Reads everything anew. False when the kernel could not tell it whole.
    bool readAll();

@@ -10,16 +10,19 @@ namespace Host {
 
 class ServedDevices {
  public:
-   // By name; none means every physical one.
-   explicit ServedDevices(std::set<std::string> names = {}) : names_(std::move(names)) {}
+   // Those of `names`, whatever kind of Ethernet device they are; and every physical one where no
+   // names are given, or where `others` are served beside them.
+   explicit ServedDevices(std::set<std::string> names = {}, bool others = false)
+       : names_(std::move(names)), others_(others || names_.empty()) {}
 
    bool serves(const Link& link) const {
-      return names_.empty() ? isPhysical(link) : link.ethernet && names_.contains(link.name);
+      return (link.ethernet && names_.contains(link.name)) || (others_ && isPhysical(link));
    }
    const std::set<std::string>& names() const { return names_; }
 
  private:
    const std::set<std::string> names_;
+   const bool others_;
 };
 
 }  // namespace Host

@@ -46,6 +46,11 @@ void EthDevPamManager::filterProgramIs(const Wirekit::SockFilterProgram& program
 void EthDevPamManager::enabledIs(bool enabled) {
    if (enabled_ == enabled || closed()) return;
    enabled_ = enabled;
+   // What was switched off is opened anew, also when it is switched on again before the turn: the
+   // users of packet access start over.
+   if (!enabled) {
+      for (auto& [intfId, device] : opened_) device = {};
+   }
    handleAll();
 }
 

@@ -67,6 +67,10 @@ TEST(Links, whichArePorts) {
    EXPECT_TRUE(named.serves(device(1, "br0", "bridge"))) << "whom the operator names is served";
    EXPECT_FALSE(named.serves(device(1, "a")));
    EXPECT_FALSE(named.serves(loopback));
+   ServedDevices mapped({"br0"}, true);
+   EXPECT_TRUE(mapped.serves(device(1, "br0", "bridge")));
+   EXPECT_TRUE(mapped.serves(device(1, "a"))) << "a mapped port leaves the others served";
+   EXPECT_FALSE(mapped.serves(device(1, "br1", "bridge")));
 }
 
 TEST(Links, aFullReadTellsTheDifferences) {

@@ -120,13 +120,24 @@ TEST_F(EthDevPamManagerTest, whatIsTakenBackBeforeTheTurnNeverHappened) {
    take();
    auto before = pams->intfPam(eth1);
    desired->intfDesiredDel(eth1);
-   manager->enabledIs(false);
    desired->intfDesiredIs(eth1, true);
-   manager->enabledIs(true);
    turn();
    turn();
    EXPECT_EQ(take(), "");
    EXPECT_EQ(pams->intfPam(eth1), before);
+}
+
+TEST_F(EthDevPamManagerTest, switchedOffAndOnBeforeTheTurnStartsOver) {
+   wish(eth1, "e1", 11);
+   turn();
+   take();
+   auto before = pams->intfPam(eth1);
+   manager->enabledIs(false);
+   manager->enabledIs(true);
+   turn();
+   turn();
+   EXPECT_EQ(take(), "-1+1");
+   EXPECT_NE(pams->intfPam(eth1), before);
 }
 
 TEST_F(EthDevPamManagerTest, aDeviceThatCameBackIsOpenedAnewInALaterTurn) {

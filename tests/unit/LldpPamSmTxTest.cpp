@@ -231,13 +231,14 @@ TEST_F(LldpPamSmTx, TracesItsSteps) {
    context.takeTraces();
    context.settle();
    EXPECT_THAT(context.takeTraces(),
-               ElementsAre("TX FSM transition txFsmUninitialized -> txFsmDisabled",
+               ElementsAre("ProtocolSm::handlePam( Ethernet1 )", "LldpPamSm::handleInitialized()",
+                           "TX FSM transition txFsmUninitialized -> txFsmDisabled",
                            "Entering disabled state: checking if port is enabled",
                            "Port enabled: initiating transition -> txWait state",
                            "TX FSM transition txFsmDisabled -> txFsmTxWait",
                            "Entering txWait state: starting txDelayWhile timer",
                            "Time is 1000.000000; txClock set to expire at 1002.000000",
-                           "Setting ageClock to expire at inf"));
+                           "LldpPamSm::handleAgeClock()", "Setting ageClock to expire at inf"));
    context.traceOn("LldpAgent", 1 << 6);
    context.advance(2);
    change();

@@ -144,13 +144,13 @@ void Supervisor::start() {
    Rex::ContextScope scope(context_);
    std::string ringName = name_ + std::to_string(context_.cellId);
    agent_ = Lldp::Agent::agentFactory(Rex::String(ringName));
-   agent_->doInit();
+   Rex::Dispatcher::run([this] { agent_->doInit(); });
 }
 
 void Supervisor::stop() {
    if (!agent_) return;
    Rex::ContextScope scope(context_);
-   agent_->doCleanup();
+   Rex::Dispatcher::run([this] { agent_->doCleanup(); });
    agent_ = nullptr;
 }
 
