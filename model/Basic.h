@@ -52,6 +52,7 @@ struct ManagementAddress {
       ManAddress manAddr;
 
       Rex::String stringValue() const;
+      size_t hash() const { return Rex::hashOf(*this); }
       auto operator<=>(const Key&) const = default;
    };
    Key key;
@@ -91,6 +92,7 @@ struct UnknownOrgDefTlv {
       Oui oui;
       uint32_t subtype = 0;
       Index index;  // tells members of one organisation and subtype apart, from 1
+      size_t hash() const { return Rex::hashOf(*this); }
       auto operator<=>(const Key&) const = default;
    };
    Key key;

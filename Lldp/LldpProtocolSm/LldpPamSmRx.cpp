@@ -145,8 +145,8 @@ void LldpPamSm::doAgeOut(const Lldp::RemoteSystem::Msap& msap, int index) {
    portStatus()->rxAgeoutsTotalInc(1);
    root()->status()->remTablesAgeoutsInc(1);
    root()->status()->remTablesDeletesInc(1);
-   Rex::log(LLDP_NEIGHBOR_TIMEOUT, msap.chassisIdentifier.stringValue(MacSeparator::colon, true),
-            msap.portIdentifier.stringValue(MacSeparator::colon, true), intfId());
+   // Handed over as they are: a text would be made harmless a second time.
+   Rex::log(LLDP_NEIGHBOR_TIMEOUT, msap.chassisIdentifier, msap.portIdentifier, intfId());
    root()->status()->remTablesLastChangeTimeIs(Rex::System::currentTime());
 }
 

@@ -36,6 +36,8 @@ void Entity::deliver(uint32_t attribute, const AnyKey& key) {
    for (size_t i = 0; i < standing; ++i) {
       Watcher watcher = watchers.list[i];
       if (!watcher.machine || (watcher.attribute && watcher.attribute != attribute)) continue;
+      // One that is being destroyed hears nothing more, not even of what its members' end changes.
+      if (!watcher.machine->references()) continue;
       // The machine may delete itself, and the list may grow, while the handler runs.
       Ptr<StateMachine> machine(watcher.machine);
       ContextScope scope(machine->context());

@@ -1,9 +1,8 @@
 // Owned state machines. The owner's pointer is set after the machine's construction, and the
 // machine is closed before the pointer is cleared.
 //
-//   REX_MACHINE(InputSm, inputSm)                          // inputSm(), inputSmIs(...),
-//   inputSmDel() REX_MACHINES(LldpPamSm, lldpPamSm, Wirekit::IntfId)    // the same by key, and
-//   lldpPamSmHas(key)
+//   REX_MACHINE(InputSm, inputSm)                      inputSm(), inputSmIs(...), inputSmDel()
+//   REX_MACHINES(LldpPamSm, lldpPamSm, Wirekit::IntfId)   the same by key, and lldpPamSmHas(key)
 #pragma once
 
 #include <utility>
@@ -34,7 +33,7 @@ class OwnedMachine {
       if (!machine_) return;
       Ptr<Sm> last = machine_;
       last->close();
-      machine_ = nullptr;
+      if (machine_ == last) machine_ = nullptr;  // what its closing set off may have made a new one
    }
 
  private:
@@ -67,7 +66,7 @@ class OwnedMachines {
       Ptr<Sm> last = get(removed);
       if (!last) return;
       last->close();
-      machines_.erase(removed);
+      if (get(removed) == last) machines_.erase(removed);
    }
    void clear() {
       for (auto [key, machine] : machines_) erase(key);

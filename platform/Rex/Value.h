@@ -11,6 +11,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "Rex/Assert.h"
 #include "Rex/Printable.h"
@@ -151,8 +152,13 @@ class BoundedNumber {
    static constexpr Number mostValue = most;
 
    constexpr BoundedNumber() = default;
-   constexpr BoundedNumber(Number value) : value_(value) {  // NOLINT(google-explicit-constructor)
-      if (value < least || value > most) throwRangeException(Words::text);
+   // Takes any width, so that a number too wide is an error too and not cut before the test.
+   template <std::integral Wide>
+   constexpr BoundedNumber(Wide value)  // NOLINT(google-explicit-constructor)
+       : value_(static_cast<Number>(value)) {
+      if (std::cmp_less(+value, least) || std::cmp_greater(+value, most)) {
+         throwRangeException(Words::text);
+      }
    }
    constexpr Number value() const { return value_; }
    String stringValue() const { return valueToString(value_); }
