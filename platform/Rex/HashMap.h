@@ -111,6 +111,21 @@ class HashMap {
       return at == none ? nullptr : &table_->entries[at].value;
    }
 
+   // For a caller that has other work to do before it looks for `key` in a large map: begins to
+   // fetch what find() will look at. `more` is handed the key and the value that are probably
+   // meant, to fetch what these point at.
+   template <class More>
+   void prefetch(const K& key, More&& more) const {
+      if (!table_ || table_->slots.empty()) return;
+      size_t hash = hashOf(key);
+      const auto& slots = table_->slots;
+      size_t mask = slots.size() - 1;
+      for (size_t slot = spread(hash) & mask; slots[slot]; slot = (slot + 1) & mask) {
+         const Entry& entry = table_->entries[slots[slot] - 1];
+         if (entry.live && entry.hash == hash) return more(entry.key, entry.value);
+      }
+   }
+
    // Adds or replaces.
    void insert(const K& key, V value) {
       if (!table_) table_ = makeTable();
