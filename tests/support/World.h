@@ -8,6 +8,8 @@
 //   EXPECT_THAT(a.port("Ethernet1").neighbors(), ElementsAre("b Ethernet2"));
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <map>
 #include <memory>
 #include <string>
@@ -163,6 +165,16 @@ class World {
    TestContext base_;
    std::string folder_;
    std::vector<std::unique_ptr<Supervisor>> supervisors_;
+};
+
+// Two switches joined by one wire.
+struct TwoSwitches : testing::Test {
+   World world;
+   Supervisor& a = world.agent("a");
+   Supervisor& b = world.agent("b");
+   Port& left = a.port("Ethernet1");
+   Port& right = b.port("Ethernet2");
+   Wire& wire = left.joins(right);
 };
 
 }  // namespace LldpTest

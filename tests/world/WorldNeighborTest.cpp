@@ -15,14 +15,7 @@ using testing::IsEmpty;
 namespace {
 
 // Two switches that have learned each other.
-struct Neighbors : testing::Test {
-   World world;
-   Supervisor& a = world.agent("a");
-   Supervisor& b = world.agent("b");
-   Port& left = a.port("Ethernet1");
-   Port& right = b.port("Ethernet2");
-   Wire& wire = left.joins(right);
-
+struct Neighbors : TwoSwitches {
    void SetUp() override {
       world.run(3);
       ASSERT_THAT(left.neighbors(), ElementsAre("b Ethernet2"));

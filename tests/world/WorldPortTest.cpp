@@ -11,14 +11,7 @@ using testing::IsEmpty;
 
 namespace {
 
-struct Ports : testing::Test {
-   World world;
-   Supervisor& a = world.agent("a");
-   Supervisor& b = world.agent("b");
-   Port& left = a.port("Ethernet1");
-   Port& right = b.port("Ethernet2");
-   Wire& wire = left.joins(right);
-
+struct Ports : TwoSwitches {
    void SetUp() override { world.run(3); }
    // Frames of the left port since a time.
    size_t sentSince(double time) const {
