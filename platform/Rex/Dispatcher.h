@@ -8,7 +8,8 @@
 // - A change made inside a handler is queued as entity, attribute and key, once while pending, and
 //   delivered in order after the handler's end, to the watchers that stand then. A machine that an
 //   earlier change of the same reaction made thus sees the later ones.
-// - An entity that nobody watches, and that was not made in this reaction, queues nothing.
+// - A change of an attribute that nobody watches when it is made queues nothing, unless its entity
+//   was made in this reaction. It reads one word of the entity.
 // - All of it stands when a handler adds or removes watchers, deletes its own machine, deletes the
 //   entity that changed, or writes the same attribute again.
 #pragma once

@@ -26,6 +26,14 @@ struct Look {
 Entity::Entity() = default;
 Entity::~Entity() = default;
 
+void Entity::reckonHeard() const {
+   heard_ = 0;
+   if (!watchers_) return;
+   for (const Watcher& watcher : watchers_->list) {
+      if (watcher.machine) heard_ |= heardBit(watcher.attribute);
+   }
+}
+
 void Entity::deliver(uint32_t attribute, const AnyKey& key) {
    if (!watchers_) return;
    Watchers& watchers = *watchers_;

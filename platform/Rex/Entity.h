@@ -41,12 +41,12 @@ class Entity : public PtrInterface {
  protected:
    // Called by mutators after the value is stored.
    void rexChanged(uint32_t attribute) {
-      if (heard()) [[unlikely]]
+      if (heard(attribute)) [[unlikely]]
          Dispatcher::changed(*this, attribute);
    }
    template <class K>
    void rexChanged(uint32_t attribute, const K& key) {
-      if (heard()) [[unlikely]]
+      if (heard(attribute)) [[unlikely]]
          Dispatcher::changed(*this, attribute, AnyKey(key));
    }
 
@@ -54,13 +54,20 @@ class Entity : public PtrInterface {
    friend class Dispatcher;
    friend class StateMachine;
 
-   bool heard() const {
-      return watchers_ || (born_ == Dispatcher::reaction && born_ != Dispatcher::idle);
+   // Attributes of one entity stand on successive lines, so that few of them share a bit.
+   static constexpr uint64_t heardBit(uint32_t attribute) {
+      return attribute ? uint64_t{1} << (attribute & 63) : ~uint64_t{0};  // 0: every attribute
    }
+   bool heard(uint32_t attribute) const {
+      return (heard_ & heardBit(attribute)) ||
+             (born_ == Dispatcher::reaction && born_ != Dispatcher::idle);
+   }
+   void reckonHeard() const;
    void deliver(uint32_t attribute, const AnyKey& key);
 
    // Watching does not change what is watched: read-only views can be watched too.
    mutable std::unique_ptr<Watchers> watchers_;
+   mutable uint64_t heard_ = 0;  // the bits of the attributes that are watched
    uint32_t born_ = Dispatcher::idle;
 };
 

@@ -1,5 +1,7 @@
 #include "Rex/Pool.h"
 
+#include <sys/mman.h>
+
 #include <array>
 #include <cstdlib>
 #include <new>
@@ -33,7 +35,21 @@ struct State {
 State state;
 
 #ifndef REX_POOL_OFF
-constexpr std::size_t slabSize = 64 * 1024;
+// A process that stays small takes little; one with many neighbours takes whole pages of the
+// largest size, so that reaching a neighbour does not begin with a walk through page tables.
+constexpr std::size_t smallSlab = 64 * 1024;
+constexpr std::size_t hugePage = 2 * 1024 * 1024;
+
+std::size_t slabSize() {
+   return state.inUse < hugePage ? smallSlab : hugePage;
+}
+
+char* newSlab(std::size_t size) {
+   if (size < hugePage) return static_cast<char*>(::operator new(size));
+   void* slab = ::operator new(size, std::align_val_t{hugePage});
+   madvise(slab, size, MADV_HUGEPAGE);  // a wish; without it the slab serves as well
+   return static_cast<char*>(slab);
+}
 
 void* cut(std::size_t size) {
    if (state.left < size) {
@@ -43,8 +59,8 @@ void* cut(std::size_t size) {
          rest->next = state.free[state.left / granule];
          state.free[state.left / granule] = rest;
       }
-      state.slab = static_cast<char*>(::operator new(slabSize));
-      state.left = slabSize;
+      state.left = slabSize();
+      state.slab = newSlab(state.left);
    }
    void* block = state.slab;
    state.slab += size;

@@ -27,6 +27,7 @@ void StateMachine::watch(const Entity* entity, uint32_t attribute, const Reactio
    if (!entity || closed_) return;
    if (!entity->watchers_) entity->watchers_ = std::make_unique<Watchers>();
    entity->watchers_->list.push_back({attribute, this, reaction});
+   entity->reckonHeard();
    Ptr<const Entity> watched(entity);
    if (std::find(watched_.begin(), watched_.end(), watched) == watched_.end()) {
       watched_.push_back(watched);
@@ -51,6 +52,7 @@ void StateMachine::detach(const Entity& entity) {
    for (Watcher& watcher : watchers.list) {
       if (watcher.machine == this) watcher.machine = nullptr;
    }
+   entity.reckonHeard();
    if (watchers.deliveries) return;
    std::erase_if(watchers.list, [](const Watcher& watcher) { return !watcher.machine; });
    if (watchers.list.empty()) entity.watchers_.reset();

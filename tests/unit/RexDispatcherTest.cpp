@@ -206,6 +206,26 @@ TEST_F(RexDispatcher, AnOldEntityThatNobodyWatchesQueuesNothing) {
    EXPECT_THAT(heard, ElementsAre("a=8"));
 }
 
+TEST_F(RexDispatcher, AnAttributeThatNobodyWatchesQueuesNothing) {
+   auto watching = probe(other, record());
+   watching->turnTo(box);  // its `a` alone
+   Rex::Ptr<AnySm> all;
+   Rex::Dispatcher::run([&] {
+      box->bIs(1);
+      box->stampIs(1);
+      EXPECT_EQ(Rex::Dispatcher::pending(), 0u);
+      box->aIs(1);
+      EXPECT_EQ(Rex::Dispatcher::pending(), 1u);
+      all = Rex::make<AnySm>(box, heard);
+      box->bIs(2);
+      EXPECT_EQ(Rex::Dispatcher::pending(), 2u);
+      all->close();
+      box->stampIs(2);
+      EXPECT_EQ(Rex::Dispatcher::pending(), 2u);
+   });
+   EXPECT_THAT(heard, ElementsAre("a=1"));
+}
+
 TEST_F(RexDispatcher, WatchersThatAHandlerRemovesHearNothingAndNewOnesTheNextChange) {
    Rex::Ptr<ProbeSm> victim;
    Rex::Ptr<ProbeSm> late;
