@@ -164,7 +164,7 @@ void LldpPamSm::doDeleteAllRemoteSystems() {
    REX_ASSERT(initialized());
    for (auto [index, remoteSystem] : portStatus()->remoteSystem()) {
       Lldp::RemoteSystem::Msap msap = remoteSystem->msap();
-      DUALLOG(trace, 4, "Deleting RemoteSystem for " << msap);
+      DualLog(trace, 4, "Deleting RemoteSystem for " << msap);
       portStatus()->remoteSystemByMsapDel(msap);
       portStatus()->remoteSystemDel(index);
       root()->status()->remTablesDeletesInc(1);

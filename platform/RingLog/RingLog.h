@@ -2,7 +2,7 @@
 // outlives the process. A statement is text and values, as in Rex/Trace.h:
 //
 //   RINGLOG(trace, 6, "Ack " << number);   // to the ring
-//   DUALLOG(trace, 6, "Ack " << number);   // to the ring and, where it is on, to the trace
+//   DualLog(trace, 6, "Ack " << number);   // to the ring and, where it is on, to the trace
 //
 // A context that never called initialize() has no ring: RINGLOG then evaluates nothing.
 #pragma once
@@ -76,4 +76,4 @@ class Statement : private std::streambuf {
       if (ringStatement) ringStatement << words;                                            \
    } while (false)
 #define RINGLOG(handle, level, words) RINGLOG_TO_(ringOnly, handle, level, words)
-#define DUALLOG(handle, level, words) RINGLOG_TO_(ringAndTrace, handle, level, words)
+#define DualLog(handle, level, words) RINGLOG_TO_(ringAndTrace, handle, level, words)

@@ -3,6 +3,7 @@
 #include <net/if.h>
 #include <sched.h>
 #include <sys/epoll.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/timerfd.h>
 #include <unistd.h>
@@ -112,6 +113,19 @@ void shrinkNews() {
    }
 }
 
+// While it lives the process opens nothing more.
+struct NoMoreDescriptors {
+   NoMoreDescriptors() {
+      int next = dup(0);
+      close(next);
+      getrlimit(RLIMIT_NOFILE, &before);
+      rlimit now{static_cast<rlim_t>(next), before.rlim_max};
+      setrlimit(RLIMIT_NOFILE, &now);
+   }
+   ~NoMoreDescriptors() { setrlimit(RLIMIT_NOFILE, &before); }
+   rlimit before{};
+};
+
 int indexOf(const char* device) {
    return static_cast<int>(if_nametoindex(device));
 }
@@ -213,6 +227,15 @@ TEST(FeedersLinux, aDeviceVanishesAndReturns) {
    });
 }
 
+// More changes than there is room for, and nobody listens meanwhile; `last` come at their end.
+void ipFlood(Bench& bench, const std::string& last) {
+   std::ofstream batch(bench.folder.path + "/batch");
+   for (int i = 0; i < 300; ++i) batch << "link set dev a mtu " << 1400 + i % 2 << "\n";
+   batch << last;
+   batch.close();
+   ip("-batch " + bench.folder.path + "/batch");
+}
+
 // More news than the kernel keeps for us: afterwards everything is as it is, all the same.
 TEST(FeedersLinux, lostNews) {
    inNamespace([] {
@@ -222,12 +245,7 @@ TEST(FeedersLinux, lostNews) {
       bench.feeders.start();
       IntfId a = bench.feeders.ports().begin()->first;
       shrinkNews();
-      // Nobody listens meanwhile.
-      std::ofstream batch(bench.folder.path + "/batch");
-      for (int i = 0; i < 300; ++i) batch << "link set dev a mtu " << 1400 + i % 2 << "\n";
-      batch << "link del dev c\nlink set dev a mtu 1333\n";
-      batch.close();
-      ip("-batch " + bench.folder.path + "/batch");
+      ipFlood(bench, "link del dev c\nlink set dev a mtu 1333\n");
       bench.context.takeLogs();
       EXPECT_TRUE(bench.until([&] {
          return bench.feeders.ports().size() == 1 && bench.phy("Ethernet1")->maxMtu() == 1333;
@@ -238,6 +256,32 @@ TEST(FeedersLinux, lostNews) {
       // The news go on.
       ip("link set dev a mtu 1444");
       EXPECT_TRUE(bench.until([&] { return bench.phy("Ethernet1")->maxMtu() == 1444; }));
+   });
+}
+
+// What cannot be read anew is tried again, each time after twice as long.
+TEST(FeedersLinux, lostNewsThatCannotBeReadAnewAtOnce) {
+   inNamespace([] {
+      makePair("a", "b");
+      Bench bench({"a"});
+      bench.feeders.start();
+      shrinkNews();
+      ipFlood(bench, "link set dev a mtu 1333\n");
+      bench.context.takeLogs();
+      auto mtuAfter = [&](double seconds) {
+         bench.context.timeIs(bench.context.now() + seconds);
+         int turns = 0;
+         EXPECT_TRUE(bench.until([&] { return ++turns > 4; }));
+         return bench.phy("Ethernet1")->maxMtu();
+      };
+      {
+         NoMoreDescriptors none;
+         EXPECT_NE(mtuAfter(0), 1333u);
+         ASSERT_FALSE(bench.context.takeLogs().empty()) << "nothing was lost";
+         EXPECT_NE(mtuAfter(0.11), 1333u);  // tried in vain
+      }
+      EXPECT_NE(mtuAfter(0.11), 1333u);
+      EXPECT_EQ(mtuAfter(0.1), 1333u);
    });
 }
 

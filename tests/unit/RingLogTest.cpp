@@ -51,11 +51,11 @@ struct RingLogFile : RexFixture {
 
 TEST_F(RingLogFile, WithoutARingNothingIsEvaluatedAndDualLogIsATrace) {
    RINGLOG(trace, 6, operand());
-   DUALLOG(trace, 6, operand());
+   DualLog(trace, 6, operand());
    EXPECT_EQ(evaluated, 0);
    context.traceMaskIs("RingLogTest", 1 << 6);
    RINGLOG(trace, 6, operand());
-   DUALLOG(trace, 6, "dual " << operand());
+   DualLog(trace, 6, "dual " << operand());
    EXPECT_THAT(traced, ElementsAre("dual 1"));
    EXPECT_EQ(RingLog::path(), "");
 }
@@ -66,9 +66,9 @@ TEST_F(RingLogFile, StatementsOfAllLevelsComeBackInOrder) {
              (folder / ("agent-" + std::to_string(getpid()) + ".rl")).string());
    RINGLOG(trace, 8, "first " << 1);
    pass(1.5);
-   DUALLOG(trace, 0, "second " << Rex::String("\x1b") << operand());
+   DualLog(trace, 0, "second " << Rex::String("\x1b") << operand());
    context.traceMaskIs("RingLogTest", 1 << 8);
-   DUALLOG(trace, 8, "third " << operand());
+   DualLog(trace, 8, "third " << operand());
    RINGLOG(trace, 10, "no such level");
    EXPECT_THAT(traced, ElementsAre("third 2"));
    EXPECT_THAT(texts(), ElementsAre("8 first 1", "0 second \\x1b1", "8 third 2"));
@@ -119,7 +119,7 @@ TEST_F(RingLogFile, TheLatestStatementsStandUnbrokenForAnyLengths) {
 TEST_F(RingLogFile, ALongStatementIsCut) {
    start("a.rl", 32, 16);
    context.traceMaskIs("RingLogTest", 1 << 2);
-   DUALLOG(trace, 2, std::string(5000, 'y'));
+   DualLog(trace, 2, std::string(5000, 'y'));
    EXPECT_THAT(texts(), ElementsAre("2 " + std::string(16, 'y')));
    EXPECT_THAT(traced, ElementsAre(std::string(RingLog::Statement::room, 'y')));
 }
