@@ -61,6 +61,19 @@ Statestore::Steps without(const Statestore::Steps& steps, size_t last) {
 
 }  // namespace
 
+void ApiEntities::serveIn(ApiResources& resources) {
+   resources.resourceIs({"/v1/entity/",
+                         {"GET", "PATCH", "PUT", "DELETE"},
+                         {"depth", "type"},
+                         [this](const ApiRequest& request, const ApiTarget& target) {
+                            return serve(request, target);
+                         }});
+   resources.resourceIs(
+       {"/v1/paths", {"GET"}, {}, [this](const ApiRequest&, const ApiTarget&) {
+           return ApiAnswer{200, paths(), {}};
+        }});
+}
+
 Rex::Json ApiEntities::paths() const {
    Rex::Json all = Rex::Json::array();
    for (const std::string& path : entityManager_->paths()) {
@@ -72,14 +85,12 @@ Rex::Json ApiEntities::paths() const {
    return {{"paths", all}};
 }
 
-ApiAnswer ApiEntities::serve(const std::string& method, const Statestore::Steps& steps,
-                             const ApiTarget& target, const std::string& body) {
-   if (method == "GET") return get(steps, target);
-   if (method == "PATCH") return patch(steps, body);
-   if (method == "PUT") return put(steps, target, body);
-   if (method == "DELETE") return remove(steps);
-   throw ApiError(405, "an entity knows GET, PATCH, PUT and DELETE, not " + method, {},
-                  "GET, PATCH, PUT, DELETE");
+ApiAnswer ApiEntities::serve(const ApiRequest& request, const ApiTarget& target) {
+   Statestore::Steps steps(target.steps.begin() + 2, target.steps.end());
+   if (request.method == "PATCH") return patch(steps, request.body);
+   if (request.method == "PUT") return put(steps, target, request.body);
+   if (request.method == "DELETE") return remove(steps);
+   return get(steps, target);
 }
 
 ApiAnswer ApiEntities::get(const Statestore::Steps& steps, const ApiTarget& target) const {

@@ -1,5 +1,8 @@
 // The entities of the store as resources: read any, change the operator's. Generic over the
 // description of the types; nothing here knows an entity.
+//
+//   /v1/entity/<path>   an entity, one of its attributes or collections
+//   /v1/paths           the paths of the store
 #pragma once
 
 #include <string>
@@ -7,8 +10,7 @@
 #include "Rex/EntityType.h"
 #include "Statestore/EntityManager.h"
 #include "host/ApiAccess.h"
-#include "host/ApiMessage.h"
-#include "host/ApiTarget.h"
+#include "host/ApiResources.h"
 
 namespace Host {
 
@@ -17,6 +19,10 @@ class ApiEntities {
    ApiEntities(Rex::Ptr<Statestore::EntityManager> entityManager, ApiAccess access)
        : entityManager_(std::move(entityManager)), access_(std::move(access)) {}
 
+   // Serves them in `resources`, which this has to outlive.
+   void serveIn(ApiResources& resources);
+
+ private:
    // Every path of the store, with its type and whether it can be changed.
    Rex::Json paths() const;
 
@@ -24,10 +30,8 @@ class ApiEntities {
    //
    // Writes are checked as a whole before anything is written. The caller has to stand outside
    // any handler: each change is then dispatched to its end before the next is made.
-   ApiAnswer serve(const std::string& method, const Statestore::Steps& steps,
-                   const ApiTarget& target, const std::string& body);
+   ApiAnswer serve(const ApiRequest& request, const ApiTarget& target);
 
- private:
    // A member of a collection, whether it stands or not.
    struct Place {
       Rex::Ptr<Rex::Entity> holder;

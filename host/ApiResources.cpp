@@ -1,27 +1,30 @@
 #include "host/ApiResources.h"
 
+#include <algorithm>
+
 #include "Rex/Printable.h"
-#include "host/TraceLevels.h"
 
 namespace Host {
 namespace {
 
-void requireGet(const ApiRequest& request) {
-   if (request.method == "GET") return;
-   throw ApiError(405, "only GET is served here, not " + request.method, {}, "GET");
+bool fits(const ApiResource& resource, const std::string& path) {
+   if (!resource.path.ends_with('/')) return path == resource.path;
+   return path.starts_with(resource.path) && path.size() > resource.path.size();
 }
 
-void requireNoMoreThan(const ApiTarget& target, std::initializer_list<std::string_view> known) {
-   for (const auto& [name, value] : target.parameters) {
-      bool found = false;
-      for (std::string_view one : known) found = found || one == name;
-      if (!found) throw ApiError(400, "unknown parameter '" + Rex::printable(name) + "'", name);
-   }
+std::string joined(const std::vector<std::string>& words) {
+   std::string all;
+   for (const std::string& word : words) all += (all.empty() ? "" : ", ") + word;
+   return all;
+}
+
+bool contains(const std::vector<std::string>& words, const std::string& word) {
+   return std::find(words.begin(), words.end(), word) != words.end();
 }
 
 }  // namespace
 
-ApiAnswer ApiResources::serve(const ApiRequest& request) {
+ApiAnswer ApiResources::serve(const ApiRequest& request) const {
    try {
       return dispatch(request);
    } catch (const ApiError& error) {
@@ -39,41 +42,38 @@ ApiAnswer ApiResources::refusal(const std::string& target, const ApiError& error
    return {error.status, {{"error", words}}, error.allow};
 }
 
-ApiAnswer ApiResources::dispatch(const ApiRequest& request) {
+ApiAnswer ApiResources::dispatch(const ApiRequest& request) const {
    ApiTarget target = ApiTarget::parse(request.target);
-   const Statestore::Steps& steps = target.steps;
-   if (steps.size() > 2 && steps[0] == "v1" && steps[1] == "entity") {
-      requireNoMoreThan(target, {"depth", "type"});
-      return entities_.serve(request.method, {steps.begin() + 2, steps.end()}, target,
-                             request.body);
+   const ApiResource& resource = resourceOf("/" + Statestore::encodePath(target.steps));
+   for (const auto& [name, value] : target.parameters) {
+      if (contains(resource.parameters, name)) continue;
+      throw ApiError(400, "unknown parameter '" + Rex::printable(name) + "'", name);
    }
-   requireNoMoreThan(target, {});
-   if (steps == Statestore::Steps{"v1", "paths"}) {
-      requireGet(request);
-      return {200, entities_.paths(), {}};
+   if (!contains(resource.methods, request.method)) {
+      std::string allowed = joined(resource.methods);
+      throw ApiError(405,
+                     "this knows " + allowed + ", not '" + Rex::printable(request.method) + "'", {},
+                     allowed);
    }
-   if (steps == Statestore::Steps{"v1", "agent"}) {
-      requireGet(request);
-      return {200, agent_(), {}};
-   }
-   if (steps == Statestore::Steps{"v1", "agent", "trace"}) return trace(request);
-   throw ApiError(404, "there are /v1/entity/<path>, /v1/paths, /v1/agent and /v1/agent/trace");
+   return resource.serve(request, target);
 }
 
-ApiAnswer ApiResources::trace(const ApiRequest& request) {
-   if (request.method == "GET") return {200, traceToJson(), {}};
-   if (request.method != "PATCH" && request.method != "PUT") {
-      throw ApiError(405, "the trace knows GET, PATCH and PUT, not " + request.method, {},
-                     "GET, PATCH, PUT");
+const ApiResource& ApiResources::resourceOf(const std::string& path) const {
+   const ApiResource* best = nullptr;
+   std::vector<std::string> all;
+   for (const ApiResource& resource : resources_) {
+      all.push_back(resource.path + (resource.path.ends_with('/') ? "..." : ""));
+      if (!fits(resource, path)) continue;
+      if (!best || best->path.size() < resource.path.size()) best = &resource;
    }
+   if (!best) throw ApiError(404, "there are " + joined(all));
+   return *best;
+}
+
+Rex::Json jsonBody(const ApiRequest& request) {
    Rex::Json json = Rex::Json::parse(request.body, nullptr, false);
    if (json.is_discarded()) throw ApiError(400, "the body is not JSON");
-   try {
-      traceFromJson(json, request.method == "PUT");
-   } catch (const Rex::JsonError& error) {
-      throw ApiError(400, error.what(), error.path());
-   }
-   return {204, {}, {}};
+   return json;
 }
 
 }  // namespace Host

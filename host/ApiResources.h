@@ -1,36 +1,42 @@
-// The management API's resources, by path:
-//
-//   /v1/entity/<path>   the entities of the store (host/ApiEntities.h)
-//   /v1/paths           the paths of the store
-//   /v1/agent           the process
-//   /v1/agent/trace     its trace levels, which can be changed
+// The management API's resources: what is served at which path, with which methods. Where several
+// fit, the longest path counts.
 #pragma once
 
 #include <functional>
+#include <string>
+#include <vector>
 
-#include "host/ApiEntities.h"
 #include "host/ApiMessage.h"
+#include "host/ApiTarget.h"
 
 namespace Host {
 
+struct ApiResource {
+   std::string path;                     // "/v1/agent"; with "/" at its end all that is below it
+   std::vector<std::string> methods;     // others are answered with 405
+   std::vector<std::string> parameters;  // others are refused
+   // Called outside any handler. Throws ApiError, and then nothing has changed.
+   std::function<ApiAnswer(const ApiRequest&, const ApiTarget&)> serve;
+};
+
 class ApiResources {
  public:
-   // `agent` says what is to be known of the process.
-   ApiResources(ApiEntities entities, std::function<Rex::Json()> agent)
-       : entities_(std::move(entities)), agent_(std::move(agent)) {}
+   void resourceIs(ApiResource resource) { resources_.push_back(std::move(resource)); }
 
    // Serves a request. A refusal is an answer too:
    // {"error": {"path": ..., "field": ..., "message": ...}}. Called outside any handler.
-   ApiAnswer serve(const ApiRequest& request);
+   ApiAnswer serve(const ApiRequest& request) const;
 
    static ApiAnswer refusal(const std::string& target, const ApiError& error);
 
  private:
-   ApiAnswer dispatch(const ApiRequest& request);
-   static ApiAnswer trace(const ApiRequest& request);
+   ApiAnswer dispatch(const ApiRequest& request) const;
+   const ApiResource& resourceOf(const std::string& path) const;
 
-   ApiEntities entities_;
-   const std::function<Rex::Json()> agent_;
+   std::vector<ApiResource> resources_;
 };
+
+// The body of a request. Throws ApiError when it is no JSON.
+Rex::Json jsonBody(const ApiRequest& request);
 
 }  // namespace Host

@@ -16,6 +16,7 @@
 #include "host/LinuxTime.h"
 #include "host/Outlets.h"
 #include "host/StartError.h"
+#include "host/TraceLevels.h"
 
 namespace Host {
 namespace {
@@ -90,9 +91,13 @@ void Daemon::startFeeders() {
 
 void Daemon::startApi() {
    const auto& manager = agent_->entityManager();
-   resources_.emplace(ApiEntities(manager, ApiAccess(manager, feeders_->fedPaths())),
-                      [this] { return describe(); });
-   server_.emplace(loop_, socket_->fd(), *resources_);
+   entities_.emplace(manager, ApiAccess(manager, feeders_->fedPaths()));
+   entities_->serveIn(resources_);
+   resources_.resourceIs({"/v1/agent", {"GET"}, {}, [this](const ApiRequest&, const ApiTarget&) {
+                             return ApiAnswer{200, describe(), {}};
+                          }});
+   resources_.resourceIs(traceResource());
+   server_.emplace(loop_, socket_->fd(), resources_);
 }
 
 void Daemon::watchSignals() {

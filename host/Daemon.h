@@ -8,6 +8,7 @@
 #include "Interface/LinuxPamMaker.h"
 #include "Rex/Context.h"
 #include "Rex/Loop.h"
+#include "host/ApiEntities.h"
 #include "host/ApiServer.h"
 #include "host/Feeders/Feeders.h"
 #include "host/Module.h"
@@ -45,7 +46,8 @@ class Daemon {
    AgentBase::CAgent::Ptr agent_;
    std::optional<PortNames> names_;
    std::optional<Feeders> feeders_;
-   std::optional<ApiResources> resources_;
+   std::optional<ApiEntities> entities_;
+   ApiResources resources_;
    std::optional<ApiServer> server_;
    int signals_ = -1;
    Rex::Timer ready_;

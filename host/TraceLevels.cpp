@@ -104,4 +104,17 @@ void traceFromJson(const Rex::Json& json, bool whole) {
    for (const TraceSetting& setting : settings) traceIs(setting);
 }
 
+ApiResource traceResource() {
+   auto serve = [](const ApiRequest& request, const ApiTarget&) -> ApiAnswer {
+      if (request.method == "GET") return {200, traceToJson(), {}};
+      try {
+         traceFromJson(jsonBody(request), request.method == "PUT");
+      } catch (const Rex::JsonError& error) {
+         throw ApiError(400, error.what(), error.path());
+      }
+      return {204, {}, {}};
+   };
+   return {"/v1/agent/trace", {"GET", "PATCH", "PUT"}, {}, serve};
+}
+
 }  // namespace Host

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "Rex/Json.h"
+#include "host/ApiResources.h"
 
 namespace Host {
 
@@ -27,5 +28,8 @@ Rex::Json traceToJson();
 // Takes that form, and with `whole` turns off what it does not name. Throws Rex::JsonError, and
 // then nothing has changed.
 void traceFromJson(const Rex::Json& json, bool whole);
+
+// /v1/agent/trace: the same through the management API.
+ApiResource traceResource();
 
 }  // namespace Host

@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "Rex/Loop.h"
+#include "host/ApiEntities.h"
 #include "host/ApiServer.h"
 #include "host/StartError.h"
 #include "unit/HostFeedersFolder.h"
@@ -61,13 +62,20 @@ struct HostApiServer : Test {
    Host::TestFolder folder;
    HostTest::Store store;
    Rex::Loop loop;
-   Host::ApiResources resources{
-       Host::ApiEntities(store.manager, Host::ApiAccess(store.manager, {})),
-       [] { return Rex::Json(std::string(3 << 20, 'x')); }};
+   Host::ApiEntities entities{store.manager, Host::ApiAccess(store.manager, {})};
+   Host::ApiResources resources;
    Host::ApiLimits limits;
    std::string path = folder.path + "/api.sock";
    std::optional<Host::ApiSocket> socket{path};
    std::optional<Host::ApiServer> server;
+
+   HostApiServer() {
+      entities.serveIn(resources);
+      auto large = [](const Host::ApiRequest&, const Host::ApiTarget&) {
+         return Host::ApiAnswer{200, std::string(3 << 20, 'x'), {}};
+      };
+      resources.resourceIs({"/v1/agent", {"GET"}, {}, large});
+   }
 
    void serve() { server.emplace(loop, socket->fd(), resources, limits); }
    // Lets the loop take turns without waiting.
