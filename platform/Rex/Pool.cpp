@@ -46,7 +46,7 @@ std::size_t slabSize() {
 
 char* newSlab(std::size_t size) {
    if (size < hugePage) return static_cast<char*>(::operator new(size));
-   void* slab = ::operator new(size, std::align_val_t{hugePage});
+   void* slab = ::operator new (size, std::align_val_t{hugePage});
    madvise(slab, size, MADV_HUGEPAGE);  // a wish; without it the slab serves as well
    return static_cast<char*>(slab);
 }
