@@ -9,8 +9,7 @@ namespace Rex {
 
 class Pool {
  public:
-   // `size` octets, aligned for any type. Blocks above 16 KiB, more than the fullest frame of
-   // ordinary size needs at once, come straight from the system.
+   // `size` octets, aligned for any type.
    static void* allocate(std::size_t size);
    // Gives a block back; `size` is what was asked for.
    static void release(void* memory, std::size_t size) noexcept;

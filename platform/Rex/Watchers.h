@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Rex/Dispatcher.h"
+#include "Rex/PoolAllocator.h"
 
 namespace Rex {
 
@@ -23,8 +24,11 @@ struct Watcher {
 };
 
 struct Watchers {
-   std::vector<Watcher> list;
+   std::vector<Watcher, PoolAllocator<Watcher>> list;
    uint32_t deliveries = 0;  // nested looks into the list; it is not shortened meanwhile
+
+   static void* operator new(std::size_t size) { return Pool::allocate(size); }
+   static void operator delete(void* memory, std::size_t size) { Pool::release(memory, size); }
 };
 
 }  // namespace Rex
