@@ -68,10 +68,9 @@ void ApiEntities::serveIn(ApiResources& resources) {
                          [this](const ApiRequest& request, const ApiTarget& target) {
                             return serve(request, target);
                          }});
-   resources.resourceIs(
-       {"/v1/paths", {"GET"}, {}, [this](const ApiRequest&, const ApiTarget&) {
-           return ApiAnswer{200, paths(), {}};
-        }});
+   resources.resourceIs({"/v1/paths", {"GET"}, {}, [this](const ApiRequest&, const ApiTarget&) {
+                            return ApiAnswer{200, paths(), {}};
+                         }});
 }
 
 Rex::Json ApiEntities::paths() const {

@@ -48,7 +48,7 @@ constexpr std::size_t hugePage = 2 * 1024 * 1024;
 // `size`: a power of two, or several huge pages.
 char* pages(std::size_t size) {
    if (size < hugePage) return static_cast<char*>(::operator new(size));
-   void* memory = ::operator new(size, std::align_val_t{hugePage});
+   void* memory = ::operator new (size, std::align_val_t{hugePage});
    madvise(memory, size, MADV_HUGEPAGE);  // a wish; without it the pages serve as well
    return static_cast<char*>(memory);
 }

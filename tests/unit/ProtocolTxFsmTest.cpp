@@ -1,7 +1,6 @@
 // The page that shows the transition table says what the table says.
 #include <gmock/gmock.h>
 
-#include <filesystem>
 #include <fstream>
 
 #include "Lldp/LldpProtocolSm/TxFsm.h"
@@ -26,8 +25,7 @@ std::vector<std::string> cellsOf(const std::string& line) {
 
 // The rows of the page's table that begins with a cell "state".
 std::vector<std::vector<std::string>> tableOfThePage() {
-   auto root = std::filesystem::path(__FILE__).parent_path().parent_path().parent_path();
-   std::ifstream page(root / "docs" / "protocol.md");
+   std::ifstream page(LLDP_DOCS "/protocol.md");
    EXPECT_TRUE(page) << "no docs/protocol.md";
    std::vector<std::vector<std::string>> rows;
    for (std::string line; std::getline(page, line);) {
