@@ -2,38 +2,28 @@
 
 #include <charconv>
 
-#include "Rex/Dir.h"
+#include "host/ApiChanges.h"
 
 namespace Host {
 namespace {
 
 constexpr int wholeDepth = 16;
 
-// A text of the request as it is quoted back.
-std::string inQuotes(std::string_view text) {
-   return Rex::Json(text).dump(-1, ' ', true, Rex::Json::error_handler_t::replace);
-}
-
-[[noreturn]] void unknown(const Statestore::Steps& steps) {
-   throw ApiError(404, "there is nothing at '" + Statestore::encodePath(steps) + "'");
-}
-
-// A body that is left out means no attributes.
-Rex::Json attributesOf(const std::string& body) {
-   if (body.empty()) return Rex::Json::object();
-   Rex::Json json = Rex::Json::parse(body, nullptr, false);
-   if (json.is_discarded()) throw ApiError(400, "the body is not JSON");
-   return json;
-}
-
-Rex::Member::Write checked(const Rex::EntityType& type, const std::string& body) {
-   Rex::Json attributes = attributesOf(body);
-   ApiAccess::stamp(type, attributes);
-   try {
-      return Rex::decodeEntity(type, attributes, "");
-   } catch (const Rex::JsonError& error) {
-      throw ApiError(400, error.what(), error.path());
+ApiChanges::Change changeOf(const Rex::Json& json) {
+   if (!json.is_object()) throw ApiError(400, "a change: expected an object");
+   for (const auto& [name, value] : json.items()) {
+      bool text = name == "method" || name == "path" || name == "type";
+      if (!text && name != "body")
+         throw ApiError(400, inQuotes(name) + ": no such field of a change", name);
+      if (text && !value.is_string()) throw ApiError(400, name + ": expected text", name);
    }
+   for (const char* needed : {"method", "path"}) {
+      if (!json.contains(needed)) throw ApiError(400, std::string(needed) + " is missing", needed);
+   }
+   auto steps = Statestore::decodePath(json["path"].get_ref<const std::string&>());
+   if (!steps) throw ApiError(400, "path: '%' without two hexadecimal digits", "path");
+   return {json["method"], *std::move(steps), json.value("type", ""),
+           json.value("body", Rex::Json::object())};
 }
 
 int depthOf(const ApiTarget& target) {
@@ -50,13 +40,9 @@ int depthOf(const ApiTarget& target) {
    return depth;
 }
 
-bool isCollection(Rex::MemberKind kind) {
-   return kind != Rex::MemberKind::key && kind != Rex::MemberKind::scalar &&
-          kind != Rex::MemberKind::pointer;
-}
-
-Statestore::Steps without(const Statestore::Steps& steps, size_t last) {
-   return {steps.begin(), steps.end() - static_cast<std::ptrdiff_t>(last)};
+// What stands behind /v1/entity.
+Statestore::Steps stepsOf(const ApiTarget& target) {
+   return {target.steps.begin() + 2, target.steps.end()};
 }
 
 }  // namespace
@@ -66,8 +52,13 @@ void ApiEntities::serveIn(ApiResources& resources) {
                          {"GET", "PATCH", "PUT", "DELETE"},
                          {"depth", "type"},
                          [this](const ApiRequest& request, const ApiTarget& target) {
-                            return serve(request, target);
+                            if (request.method != "GET") return change(request, target);
+                            return get(stepsOf(target), target);
                          }});
+   resources.resourceIs(
+       {"/v1/changes", {"POST"}, {}, [this](const ApiRequest& request, const ApiTarget&) {
+           return changeAll(request);
+        }});
    resources.resourceIs({"/v1/paths", {"GET"}, {}, [this](const ApiRequest&, const ApiTarget&) {
                             return ApiAnswer{200, paths(), {}};
                          }});
@@ -84,111 +75,54 @@ Rex::Json ApiEntities::paths() const {
    return {{"paths", all}};
 }
 
-ApiAnswer ApiEntities::serve(const ApiRequest& request, const ApiTarget& target) {
-   Statestore::Steps steps(target.steps.begin() + 2, target.steps.end());
-   if (request.method == "PATCH") return patch(steps, request.body);
-   if (request.method == "PUT") return put(steps, target, request.body);
-   if (request.method == "DELETE") return remove(steps);
-   return get(steps, target);
-}
-
 ApiAnswer ApiEntities::get(const Statestore::Steps& steps, const ApiTarget& target) const {
    int depth = depthOf(target);
    if (auto found = entityManager_->find(steps)) {
       return {200, Rex::entityToJson(*found.entity, depth), {}};
    }
    // An attribute or a collection of an entity.
-   if (steps.empty()) unknown(steps);
-   auto found = entityManager_->find(without(steps, 1));
+   if (steps.empty()) nothingAt(steps);
+   auto found = entityManager_->find(above(steps));
    const Rex::Member* member = found ? found.entity->entityType().member(steps.back()) : nullptr;
-   if (!member) unknown(steps);
+   if (!member) nothingAt(steps);
    return {200, Rex::memberToJson(*member, *found.entity, depth), {}};
 }
 
-ApiAnswer ApiEntities::patch(const Statestore::Steps& steps, const std::string& body) {
-   auto found = entityManager_->find(steps);
-   if (!found) unknown(steps);
-   requireWritable(found.root);
-   change(*found.entity, body);
-   return {204, {}, {}};
+ApiAnswer ApiEntities::change(const ApiRequest& request, const ApiTarget& target) {
+   ApiChanges::Change one{request.method, stepsOf(target), {}};
+   if (auto type = target.parameters.find("type"); type != target.parameters.end()) {
+      one.type = type->second;
+   }
+   // A body that is left out means no attributes.
+   if (!request.body.empty() && request.method != "DELETE") one.body = jsonBody(request);
+   ApiChanges changes(*entityManager_, access_);
+   unsigned status = changes.add(one);
+   changes.apply();
+   return {status, {}, {}};
 }
 
-ApiAnswer ApiEntities::put(const Statestore::Steps& steps, const ApiTarget& target,
-                           const std::string& body) {
-   Place to = place(steps);
-   if (auto standing = entityManager_->find(steps)) {
-      requireWritable(to.root);
-      change(*standing.entity, body);
-      return {204, {}, {}};
+ApiAnswer ApiEntities::changeAll(const ApiRequest& request) {
+   Rex::Json body = jsonBody(request);
+   if (!body.is_object() || body.size() != 1 || !body.contains("changes") ||
+       !body["changes"].is_array()) {
+      throw ApiError(400, "expected {\"changes\": [...]}");
    }
-   requireWritable(to.root);
-   if (std::string fault = to.member->keyFault(to.key); !fault.empty()) {
-      throw ApiError(400, "key of " + to.member->name + ": " + fault, to.member->name);
-   }
-   return make(to, target, body);
-}
-
-ApiAnswer ApiEntities::make(const Place& place, const ApiTarget& target, const std::string& body) {
-   if (auto dir = Rex::dynamicPtr<Rex::Dir>(place.holder)) {
-      auto at = target.parameters.find("type");
-      std::string name(at == target.parameters.end() ? ApiAccess::entryType(place.root)
-                                                     : std::string_view(at->second));
-      const Rex::EntityType* type = Rex::EntityType::find(name);
-      auto made = type ? type->create() : nullptr;
-      if (!made) {
-         throw ApiError(400,
-                        "type: expected the name of an entity type that can stand in a "
-                        "directory, got " +
-                            inQuotes(name));
+   ApiChanges changes(*entityManager_, access_);
+   size_t index = 0;
+   for (const Rex::Json& one : body["changes"]) {
+      try {
+         changes.add(changeOf(one));
+      } catch (const ApiError& error) {
+         // The methods of an entity are not those of this resource.
+         ApiError said(error.status == 405 ? 400 : error.status, error.what(), error.field);
+         bool named = one.is_object() && one.contains("path") && one["path"].is_string();
+         said.change = {index, named ? one["path"] : Rex::Json("")};
+         throw said;
       }
-      checked(*type, body)(*made);
-      dir->entityPtrIs(Rex::String(place.key), made);
-      return {201, {}, {}};
+      ++index;
    }
-   const Rex::EntityType* type = place.member->madeType();
-   if (!type) {
-      throw ApiError(405, "members of " + place.member->name + " are not made here", {},
-                     "GET, DELETE");
-   }
-   auto write = checked(*type, body);
-   // As one reaction, so that the new row is filled before its key is reported.
-   Rex::Dispatcher::run([&] { write(*place.member->makeChild(*place.holder, place.key)); });
-   return {201, {}, {}};
-}
-
-ApiAnswer ApiEntities::remove(const Statestore::Steps& steps) {
-   Place from = place(steps);
-   requireWritable(from.root);
-   if (!from.member->removeKey(*from.holder, from.key)) unknown(steps);
+   changes.apply();
    return {204, {}, {}};
-}
-
-void ApiEntities::change(Rex::Entity& entity, const std::string& body) {
-   checked(entity.entityType(), body)(entity);
-}
-
-ApiEntities::Place ApiEntities::place(const Statestore::Steps& steps) const {
-   if (steps.empty()) unknown(steps);
-   if (auto holder = entityManager_->find(without(steps, 1))) {
-      if (dynamic_cast<Rex::Dir*>(holder.entity.get())) {
-         return {holder.entity, holder.entity->entityType().member("entityPtr"), steps.back(),
-                 holder.root};
-      }
-   }
-   auto holder = steps.size() > 1 ? entityManager_->find(without(steps, 2)) : Statestore::Found();
-   const Rex::Member* member =
-       holder ? holder.entity->entityType().member(steps[steps.size() - 2]) : nullptr;
-   if (member && isCollection(member->kind)) {
-      return {holder.entity, member, steps.back(), holder.root};
-   }
-   if (!entityManager_->find(steps)) unknown(steps);
-   throw ApiError(405, "'" + Statestore::encodePath(steps) + "' is no member of a collection", {},
-                  "GET, PATCH");
-}
-
-void ApiEntities::requireWritable(const std::string& root) const {
-   std::string words = access_.refusal(root);
-   if (!words.empty()) throw ApiError(403, words);
 }
 
 }  // namespace Host

@@ -1,6 +1,7 @@
 // One request to the management API and its answer, apart from how they travel.
 #pragma once
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -30,6 +31,13 @@ class ApiError : public std::runtime_error {
    const unsigned status;
    const std::string field;  // the attribute at fault, if it is one
    const std::string allow;  // the methods that would do, with status 405
+
+   // The change at fault, where a request holds several.
+   struct Change {
+      size_t index;
+      std::string path;
+   };
+   std::optional<Change> change;
 };
 
 }  // namespace Host

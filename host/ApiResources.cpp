@@ -36,7 +36,9 @@ ApiAnswer ApiResources::refusal(const std::string& target, const ApiError& error
    std::string path = target.substr(0, target.find('?'));
    constexpr std::string_view entity = "/v1/entity/";
    if (path.starts_with(entity)) path.erase(0, entity.size());
-   Rex::Json words{{"path", path}};
+   Rex::Json words = Rex::Json::object();
+   if (error.change) words["change"] = error.change->index;
+   words["path"] = error.change ? error.change->path : path;
    if (!error.field.empty()) words["field"] = error.field;
    words["message"] = error.what();
    return {error.status, {{"error", words}}, error.allow};

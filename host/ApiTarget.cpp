@@ -37,4 +37,16 @@ ApiTarget ApiTarget::parse(std::string_view target) {
    return parsed;
 }
 
+Statestore::Steps above(const Statestore::Steps& steps, size_t count) {
+   return {steps.begin(), steps.end() - static_cast<std::ptrdiff_t>(count)};
+}
+
+void nothingAt(const Statestore::Steps& steps) {
+   throw ApiError(404, "there is nothing at '" + Statestore::encodePath(steps) + "'");
+}
+
+std::string inQuotes(std::string_view text) {
+   return Rex::Json(text).dump(-1, ' ', true, Rex::Json::error_handler_t::replace);
+}
+
 }  // namespace Host

@@ -17,4 +17,13 @@ struct ApiTarget {
    static ApiTarget parse(std::string_view target);
 };
 
+// The steps without the last `count`, which there have to be.
+Statestore::Steps above(const Statestore::Steps& steps, size_t count = 1);
+
+// Throws the ApiError of steps that lead nowhere.
+[[noreturn]] void nothingAt(const Statestore::Steps& steps);
+
+// A text of a request as an error quotes it back.
+std::string inQuotes(std::string_view text);
+
 }  // namespace Host

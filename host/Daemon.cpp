@@ -12,6 +12,7 @@
 
 #include "Rex/Dispatcher.h"
 #include "Rex/System.h"
+#include "host/ApiConfig.h"
 #include "host/File.h"
 #include "host/LinuxTime.h"
 #include "host/Outlets.h"
@@ -61,6 +62,7 @@ Daemon::Daemon(const Options& options)
    pamMaker_ = std::make_shared<Interface::LinuxPamMaker>(loop_);
    context_.serviceIs<Interface::PamMaker>(pamMaker_);
    agent_ = module_->makeAgent("Lldp");
+   loadConfig();
    startFeeders();
    startApi();
 }
@@ -82,6 +84,14 @@ void Daemon::checkPlatform() const {
    close(fd);
 }
 
+// The agent finds the operator's entities at its mounts, filled.
+void Daemon::loadConfig() {
+   config_.emplace(agent_->entityManager());
+   bool named = !options_.config.empty();
+   configFile_.emplace(named ? options_.config : options_.stateDir + "/config.json", named);
+   configFile_->load(*config_);
+}
+
 void Daemon::startFeeders() {
    names_.emplace(options_.ports, options_.stateDir + "/ports.json");
    feeders_.emplace(Feeders::Setup{agent_->entityManager(), loop_, *names_, options_.feeders,
@@ -97,6 +107,7 @@ void Daemon::startApi() {
                              return ApiAnswer{200, describe(), {}};
                           }});
    resources_.resourceIs(traceResource());
+   serveConfig(resources_, *config_, *configFile_);
    server_.emplace(loop_, socket_->fd(), resources_);
 }
 

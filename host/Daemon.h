@@ -10,6 +10,7 @@
 #include "Rex/Loop.h"
 #include "host/ApiEntities.h"
 #include "host/ApiServer.h"
+#include "host/ConfigFile.h"
 #include "host/Feeders/Feeders.h"
 #include "host/Module.h"
 #include "host/Options.h"
@@ -29,6 +30,7 @@ class Daemon {
 
  private:
    void checkPlatform() const;
+   void loadConfig();
    void startFeeders();
    void startApi();
    void watchSignals();
@@ -44,6 +46,8 @@ class Daemon {
    std::shared_ptr<Interface::LinuxPamMaker> pamMaker_;
    std::optional<Module> module_;
    AgentBase::CAgent::Ptr agent_;
+   std::optional<OperatorConfig> config_;
+   std::optional<ConfigFile> configFile_;
    std::optional<PortNames> names_;
    std::optional<Feeders> feeders_;
    std::optional<ApiEntities> entities_;

@@ -1,16 +1,33 @@
 #include "host/File.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <string_view>
 
 #include "host/StartError.h"
 
 namespace Host {
+
+namespace {
+
+struct Descriptor {
+   explicit Descriptor(int fd) : fd(fd) {}
+   ~Descriptor() {
+      if (fd >= 0) close(fd);
+   }
+   Descriptor(const Descriptor&) = delete;
+   Descriptor& operator=(const Descriptor&) = delete;
+
+   const int fd;
+};
+
+}  // namespace
 
 void writableFolder(const std::string& folder, const std::string& purpose) {
    std::error_code error;
@@ -30,27 +47,68 @@ void writableFolder(const std::string& folder, const std::string& purpose) {
 // system makes it by itself.
 static void syncFolder(const std::string& path) {
    std::string folder = std::filesystem::path(path).parent_path().string();
-   int fd = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-   if (fd < 0) return;
-   fsync(fd);
-   close(fd);
+   Descriptor dir(open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+   if (dir.fd >= 0) fsync(dir.fd);
+}
+
+// Throws what errno says.
+[[noreturn]] static void fail(const std::string& path, const char* what) {
+   throw StartError(path + " cannot be " + what + ": " + std::strerror(errno));
+}
+
+std::optional<std::string> readWhole(const std::string& path, size_t maxBytes) {
+   // Opening a pipe would wait for its writer.
+   Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+   if (file.fd < 0 && errno == ENOENT) return std::nullopt;
+   struct stat status {};
+   if (file.fd < 0 || fstat(file.fd, &status) < 0) fail(path, "read");
+   if (!S_ISREG(status.st_mode)) throw StartError(path + " cannot be read: it is no plain file");
+   std::string content;
+   char part[16 * 1024];
+   ssize_t got;
+   while ((got = read(file.fd, part, sizeof part)) > 0) {
+      content.append(part, static_cast<size_t>(got));
+      if (content.size() > maxBytes) {
+         throw StartError(path + " cannot be read: it is longer than " + std::to_string(maxBytes) +
+                          " octets");
+      }
+   }
+   if (got < 0) fail(path, "read");
+   return content;
+}
+
+static bool writeAll(int fd, std::string_view content) {
+   while (!content.empty()) {
+      ssize_t gone = write(fd, content.data(), content.size());
+      if (gone < 0 && errno != EINTR) return false;
+      if (gone > 0) content.remove_prefix(static_cast<size_t>(gone));
+   }
+   return true;
+}
+
+// Owner and permissions of the file at `path`, if there is one. An owner that only root could give
+// stays away.
+static bool adopt(int fd, const std::string& path) {
+   struct stat old {};
+   if (stat(path.c_str(), &old) < 0) return errno == ENOENT;
+   if (fchown(fd, old.st_uid, old.st_gid) < 0 && errno != EPERM) return false;
+   return fchmod(fd, old.st_mode & 07777) == 0;
 }
 
 void writeWhole(const std::string& path, const std::string& content) {
-   std::string fresh = path + ".new";
-   int fd = open(fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-   bool good = fd >= 0 &&
-               write(fd, content.data(), content.size()) == static_cast<ssize_t>(content.size()) &&
-               fsync(fd) == 0;
+   std::error_code none;
+   auto target = std::filesystem::canonical(path, none).string();
+   if (none) target = path;
+   std::string fresh = target + ".new";
+   unlink(fresh.c_str());  // what a crash has left
+   Descriptor file(open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
+   bool good = file.fd >= 0 && adopt(file.fd, target) && writeAll(file.fd, content) &&
+               fsync(file.fd) == 0 && rename(fresh.c_str(), target.c_str()) == 0;
+   if (good) return syncFolder(target);
    int error = errno;
-   if (fd >= 0) close(fd);
-   if (good && rename(fresh.c_str(), path.c_str()) == 0) {
-      syncFolder(path);
-      return;
-   }
-   if (good) error = errno;
-   unlink(fresh.c_str());
-   throw StartError(path + " cannot be written: " + std::strerror(error));
+   if (file.fd >= 0) unlink(fresh.c_str());
+   errno = error;
+   fail(path, "written");
 }
 
 }  // namespace Host

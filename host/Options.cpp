@@ -119,7 +119,10 @@ void declare(CLI::App& app, Options& options, Words& words) {
    once("--run-dir", "DIR", options.runDir,
         "Folder of what lives until the next boot: time anchor, ring trace");
    once("--state-dir", "DIR", options.stateDir,
-        "Folder of what is kept across boots: the ports' names");
+        "Folder of what is kept across boots: the ports' names, the configuration");
+   once("--config", "FILE", options.config,
+        "File of the operator's configuration, which has to exist (default: config.json in the "
+        "folder of --state-dir, which may be missing)");
    often("--trace", "FACILITY=LEVELS", words.traces,
          "Traces to standard error: levels 0 to 9 with commas between, or all");
    once("--feeders", "LIST", words.feeders,

@@ -19,6 +19,7 @@ struct Options {
    std::string socket = "/run/lldp-agentd/api.sock";
    std::string runDir = "/run/lldp-agentd";
    std::string stateDir = "/var/lib/lldp-agentd";
+   std::string config;  // file of the operator's configuration; empty: the state folder's
    std::vector<TraceSetting> trace;
    std::set<std::string> feeders;  // those that run, see Feeders::all()
    std::string module;             // empty: the one that belongs to the program

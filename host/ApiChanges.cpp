@@ -1,0 +1,201 @@
+#include "host/ApiChanges.h"
+
+#include <algorithm>
+
+#include "Rex/Dir.h"
+#include "host/ApiMessage.h"
+#include "host/ApiTarget.h"
+#include "host/Settings.h"
+
+namespace Host {
+
+using Statestore::Steps;
+
+namespace {
+
+constexpr size_t maxSteps = 64;  // nothing in the store is nearly as deep
+
+Rex::Member::Write checked(const Rex::EntityType& type, Rex::Json attributes) {
+   ApiAccess::stamp(type, attributes);
+   try {
+      return decodeSettings(type, attributes);
+   } catch (const Rex::JsonError& error) {
+      throw ApiError(400, error.what(), error.path());
+   }
+}
+
+bool isCollection(const Rex::Member& member) {
+   return member.kind != Rex::MemberKind::key && member.kind != Rex::MemberKind::scalar &&
+          member.kind != Rex::MemberKind::pointer;
+}
+
+bool hasKey(const Rex::Member& member, const Rex::Entity& entity, const std::string& key) {
+   if (member.child(entity, key)) return true;
+   auto keys = member.keys(entity);
+   return std::find(keys.begin(), keys.end(), key) != keys.end();
+}
+
+bool beginsWith(const Steps& steps, const Steps& first) {
+   return steps.size() >= first.size() && std::equal(first.begin(), first.end(), steps.begin());
+}
+
+}  // namespace
+
+unsigned ApiChanges::add(const Change& change) {
+   if (change.steps.size() > maxSteps) nothingAt(change.steps);
+   if (change.method == "PATCH") return patch(change);
+   if (change.method == "PUT") return put(change);
+   if (change.method == "DELETE") return remove(change);
+   throw ApiError(400, "method: expected PATCH, PUT or DELETE, got " + inQuotes(change.method),
+                  "method");
+}
+
+void ApiChanges::apply() {
+   for (const auto& write : writes_) write();
+   writes_.clear();
+   rows_.clear();
+}
+
+unsigned ApiChanges::patch(const Change& change) {
+   RowPtr row = find(change.steps);
+   if (!row) nothingAt(change.steps);
+   requireWritable(row->root);
+   writes_.push_back([row, write = checked(*row->type, change.body)] { write(*row->entity); });
+   return 204;
+}
+
+unsigned ApiChanges::put(const Change& change) {
+   Place to = place(change.steps);
+   if (find(change.steps)) return patch(change);
+   requireWritable(to.holder->root);
+   if (std::string fault = to.member->keyFault(to.key); !fault.empty()) {
+      throw ApiError(400, "key of " + to.member->name + ": " + fault, to.member->name);
+   }
+   if (to.holder->type == &Rex::Dir::staticType()) {
+      makeEntry(change, to);
+   } else {
+      make(change, to);
+   }
+   return 201;
+}
+
+void ApiChanges::make(const Change& change, const Place& place) {
+   const Rex::EntityType* type = place.member->madeType();
+   if (!type) {
+      throw ApiError(405, "members of " + place.member->name + " are not made here", {},
+                     "GET, DELETE");
+   }
+   auto write = checked(*type, change.body);
+   auto row = std::make_shared<Row>(Row{nullptr, type, place.holder->root});
+   rows_[change.steps] = row;
+   // As one reaction, so that the new row is filled before its key is reported.
+   writes_.push_back([row, place, write] {
+      Rex::Dispatcher::run([&] {
+         row->entity = place.member->makeChild(*place.holder->entity, place.key);
+         write(*row->entity);
+      });
+   });
+}
+
+void ApiChanges::makeEntry(const Change& change, const Place& place) {
+   std::string name(change.type.empty() ? ApiAccess::entryType(place.holder->root)
+                                        : std::string_view(change.type));
+   const Rex::EntityType* type = Rex::EntityType::find(name);
+   auto made = type ? type->create() : nullptr;
+   if (!made) {
+      throw ApiError(400,
+                     "type: expected the name of an entity type that can stand in a directory, "
+                     "got " +
+                         inQuotes(name));
+   }
+   checked(*type, change.body)(*made);
+   rows_[change.steps] = std::make_shared<Row>(Row{made, type, place.holder->root});
+   writes_.push_back([place, made] {
+      static_cast<Rex::Dir&>(*place.holder->entity).entityPtrIs(Rex::String(place.key), made);
+   });
+}
+
+unsigned ApiChanges::remove(const Change& change) {
+   const Steps& steps = change.steps;
+   RowPtr row = steps.empty() ? nullptr : find(above(steps));
+   const Rex::Member* member =
+       row && row->type != &Rex::Dir::staticType() ? row->type->member(steps.back()) : nullptr;
+   if (member) {
+      restoreDefault(row, *member, above(steps));
+   } else {
+      removeMember(change);
+   }
+   return 204;
+}
+
+void ApiChanges::restoreDefault(const RowPtr& row, const Rex::Member& member, const Steps& steps) {
+   requireWritable(row->root);
+   auto standard = member.kind == Rex::MemberKind::scalar ? fresh(steps) : nullptr;
+   ApiError none(405, member.name + " has no default", {}, "GET");
+   if (!standard) throw none;
+   try {
+      auto write = member.decode(member.toJson(*standard), member.name);
+      writes_.push_back([row, write] { write(*row->entity); });
+   } catch (const Rex::JsonError&) {
+      // Some start out as what nobody may write, such as an identifier of no kind.
+      throw none;
+   }
+}
+
+void ApiChanges::removeMember(const Change& change) {
+   Place from = place(change.steps);
+   requireWritable(from.holder->root);
+   auto row = rows_.find(change.steps);
+   bool stands = row != rows_.end()
+                     ? row->second != nullptr
+                     : from.holder->entity && hasKey(*from.member, *from.holder->entity, from.key);
+   if (!stands) nothingAt(change.steps);
+   auto gone = rows_.lower_bound(change.steps);
+   while (gone != rows_.end() && beginsWith(gone->first, change.steps)) gone = rows_.erase(gone);
+   rows_[change.steps] = nullptr;
+   writes_.push_back([from] { from.member->removeKey(*from.holder->entity, from.key); });
+}
+
+// What an earlier change makes has no members but those that earlier changes make too.
+ApiChanges::RowPtr ApiChanges::find(const Steps& steps) const {
+   for (size_t last = 0; last < steps.size(); ++last) {
+      auto at = rows_.find(above(steps, last));
+      if (at != rows_.end()) return last == 0 ? at->second : nullptr;
+   }
+   auto found = entityManager_.find(steps);
+   if (!found) return nullptr;
+   return std::make_shared<Row>(Row{found.entity, &found.entity->entityType(), found.root});
+}
+
+ApiChanges::Place ApiChanges::place(const Steps& steps) const {
+   if (steps.empty()) nothingAt(steps);
+   RowPtr dir = find(above(steps));
+   if (dir && dir->type == &Rex::Dir::staticType()) {
+      return {dir, dir->type->member("entityPtr"), steps.back()};
+   }
+   RowPtr holder = steps.size() > 1 ? find(above(steps, 2)) : nullptr;
+   const Rex::Member* member = holder ? holder->type->member(steps[steps.size() - 2]) : nullptr;
+   if (member && isCollection(*member)) return {holder, member, steps.back()};
+   if (!find(steps)) nothingAt(steps);
+   throw ApiError(405, "'" + Statestore::encodePath(steps) + "' is no member of a collection", {},
+                  "GET, PATCH");
+}
+
+// An entity as that of these steps was when it was made; null where it cannot be told.
+Rex::Ptr<Rex::Entity> ApiChanges::fresh(const Steps& steps) const {
+   RowPtr row = find(steps);
+   if (!row) return nullptr;
+   if (auto made = row->type->create()) return made;
+   // One with a key is made by its holder alone.
+   auto holder = steps.size() > 2 ? fresh(above(steps, 2)) : nullptr;
+   const Rex::Member* member =
+       holder ? holder->entityType().member(steps[steps.size() - 2]) : nullptr;
+   return member ? member->makeChild(*holder, steps.back()) : nullptr;
+}
+
+void ApiChanges::requireWritable(const std::string& root) const {
+   std::string words = access_.refusal(root);
+   if (!words.empty()) throw ApiError(403, words);
+}
+
+}  // namespace Host

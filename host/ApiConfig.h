@@ -1,0 +1,15 @@
+// The operator's configuration as a whole through the management API.
+//
+//   /v1/config        what of it differs from the defaults
+//   /v1/config/save   writes that to the configuration file
+#pragma once
+
+#include "host/ApiResources.h"
+#include "host/ConfigFile.h"
+
+namespace Host {
+
+// Serves them in `resources`, which `config` and `file` have to outlive.
+void serveConfig(ApiResources& resources, const OperatorConfig& config, const ConfigFile& file);
+
+}  // namespace Host

@@ -1,0 +1,151 @@
+// Several changes in one request, and attributes that go back to their defaults.
+#include <gmock/gmock.h>
+
+#include "Rex/Dir.h"
+#include "host/ApiEntities.h"
+#include "unit/HostStore.h"
+
+using namespace testing;
+
+namespace {
+
+const std::string cli = "l2discovery/lldp/cliConfig";
+const std::string port = cli + "/cliPortConfig/Ethernet1";
+const std::string tlvs = "l2discovery/lldp/externalTlvs";
+
+struct HostApiChanges : Test {
+   HostTest::Store store;
+   Host::ApiEntities served{store.manager, Host::ApiAccess(store.manager, {})};
+   Host::ApiResources resources;
+
+   HostApiChanges() { served.serveIn(resources); }
+
+   Host::ApiAnswer ask(const std::string& method, const std::string& path,
+                       const std::string& body = {}) {
+      return resources.serve({method, "/v1/entity/" + path, body});
+   }
+   // `changes`: "PATCH <path> <body>", the body may be left out.
+   Host::ApiAnswer change(const std::vector<std::string>& changes) {
+      Rex::Json all = Rex::Json::array();
+      for (const std::string& text : changes) {
+         std::istringstream in(text);
+         std::string method, path, body;
+         std::getline(std::getline(std::getline(in, method, ' '), path, ' '), body);
+         all.push_back({{"method", method}, {"path", path}});
+         if (!body.empty()) all.back()["body"] = Rex::Json::parse(body);
+      }
+      return resources.serve({"POST", "/v1/changes", Rex::Json{{"changes", all}}.dump()});
+   }
+   std::string everything() {
+      std::string all;
+      for (const std::string& path : store.manager->paths()) {
+         all += entityToJson(*store.manager->getEntity(path)).dump();
+      }
+      return all + entityToJson(*store.manager->getEntity(tlvs)).dump();
+   }
+};
+
+TEST_F(HostApiChanges, ADeletedAttributeHasItsDefault) {
+   ask("PATCH", cli, R"({"messageTxInterval":5,"mgmtAddrVrf":"mgmt","tlvSysCap":false})");
+   ask("PUT", port, R"({"adminStatus":"disabled","poeAllocatedPowerFallback":7})");
+   for (const char* name : {"messageTxInterval", "mgmtAddrVrf", "enabled"}) {
+      EXPECT_EQ(ask("DELETE", cli + "/" + name).status, 204) << name;
+   }
+   EXPECT_EQ(ask("DELETE", port + "/adminStatus").status, 204);
+   EXPECT_EQ(store.cliConfig()->messageTxInterval(), 30u);
+   EXPECT_EQ(store.cliConfig()->mgmtAddrVrf().view(), "default");
+   EXPECT_FALSE(store.cliConfig()->tlvSysCap()) << "the others stay";
+   auto row = store.cliConfig()->cliPortConfig(Wirekit::IntfId("Ethernet1"));
+   EXPECT_EQ(row->adminStatus(), Lldp::AdminStatus::txAndRx);
+   EXPECT_EQ(row->poeAllocatedPowerFallback(), 7u);
+   EXPECT_EQ(ask("PUT", tlvs + "/x?type=Lldp%3A%3ALocalSystem").status, 201);
+   EXPECT_EQ(ask("DELETE", tlvs + "/x/sysName").status, 204);
+   EXPECT_EQ(ask("DELETE", tlvs + "/x/chassisIdentifier").status, 405)
+       << "it starts out as what nobody may write";
+   EXPECT_EQ(ask("DELETE", port + "/intfId").status, 405);
+   EXPECT_EQ(ask("DELETE", cli + "/cliPortConfig").status, 405);
+}
+
+TEST_F(HostApiChanges, AreMadeOneByOneInOrder) {
+   auto watcher = Rex::make<HostTest::Watcher>(store.cliConfig());
+   auto answer = change({"PATCH " + cli + R"( {"messageTxInterval":5,"messageTxHoldTime":20})",
+                         "PUT " + port + R"( {"adminStatus":"rxOnly"})",
+                         "DELETE " + cli + "/messageTxInterval", "DELETE " + port, "PUT " + port});
+   EXPECT_EQ(answer.status, 204) << answer.body;
+   EXPECT_THAT(watcher->seen, ElementsAre("5/120", "5/20", "Ethernet1 rxOnly", "30/20",
+                                          "Ethernet1 gone", "Ethernet1 txAndRx"));
+   watcher->close();
+}
+
+TEST_F(HostApiChanges, MayRelyOnRowsThatEarlierOnesMake) {
+   const std::string entry = tlvs + "/provider";
+   const std::string row = entry + "/externalTlvPortConfig/Ethernet1";
+   auto answer =
+       change({"PUT " + entry + R"( {"name":"x"})", "PUT " + row,
+               "PATCH " + row + R"( {"unknownOrgDefTlv":[{"key":{"index":1},"orgDefInfo":"x"}]})",
+               "PATCH " + entry + R"( {"name":"y"})", "PUT " + port,
+               "PATCH " + port + R"( {"adminStatus":"txOnly"})", "DELETE " + port + "/adminStatus",
+               "PUT " + port + R"( {"poeAllocatedPowerFallback":3})"});
+   EXPECT_EQ(answer.status, 204) << answer.body;
+   auto made = Rex::dynamicPtr<Lldp::ExternalTlvConfig>(store.manager->getEntity(entry));
+   ASSERT_TRUE(made && made->externalTlvPortConfig(Wirekit::IntfId("Ethernet1")));
+   EXPECT_EQ(made->name(), "y");
+   EXPECT_EQ(made->externalTlvPortConfig(Wirekit::IntfId("Ethernet1"))->unknownOrgDefTlvs(), 1u);
+   auto portRow = store.cliConfig()->cliPortConfig(Wirekit::IntfId("Ethernet1"));
+   EXPECT_EQ(portRow->adminStatus(), Lldp::AdminStatus::txAndRx);
+   EXPECT_EQ(portRow->poeAllocatedPowerFallback(), 3u);
+
+   EXPECT_EQ(change({"DELETE " + entry}).status, 204);
+   EXPECT_EQ(change({}).status, 204);
+}
+
+// The first changes of each are good, and would be seen if they were made.
+TEST_F(HostApiChanges, NothingIsMadeUnlessAllAreGood) {
+   ask("PUT", cli + "/cliPortConfig/Ethernet7");
+   const std::string good = "PATCH " + cli + R"( {"messageTxInterval":5})";
+   const std::string put = "PUT " + port;
+   const std::string seven = cli + "/cliPortConfig/Ethernet7";
+   struct Case {
+      std::vector<std::string> changes;
+      unsigned status;
+      const char* words;
+   };
+   const Case cases[] = {
+       {{good, "PATCH " + cli + R"( {"reinitDelay":0})"}, 400, "from 1 to 10, got 0"},
+       {{good, "PATCH " + port + R"( {"adminStatus":"txOnly"})"}, 404, "Ethernet1"},
+       {{put, "DELETE " + port, "PATCH " + port + " {}"}, 404, "Ethernet1"},
+       {{"DELETE " + seven, "DELETE " + seven + "/adminStatus"}, 404, "Ethernet7"},
+       {{"DELETE " + seven, "DELETE " + seven}, 404, "Ethernet7"},
+       {{put, put + R"( {"adminStatus":"perhaps"})"}, 400, "perhaps"},
+       {{put, put + "/networkPolicyConfig/1"}, 400, "not made here"},
+       {{put, "PUT " + cli + "/cliPortConfig/no%20name"}, 400, "interface name"},
+       {{good, "PATCH l2discovery/lldp/config {}"}, 403, "agent"},
+       {{good, "PUT " + tlvs + "/a", "PUT " + tlvs + "/a/externalTlvPortConfig/%41%20"},
+        400,
+        "interface name"},
+       {{good, "GET " + cli}, 400, "PATCH, PUT or DELETE"},
+       {{good, "PATCH " + cli + "/%4 {}"}, 400, "%"},
+       {{good, "PATCH  {}"}, 404, "nothing at ''"},
+   };
+   const std::string before = everything();
+   for (const Case& one : cases) {
+      auto answer = change(one.changes);
+      SCOPED_TRACE(answer.body.dump());
+      EXPECT_EQ(answer.status, one.status);
+      ASSERT_TRUE(answer.body.contains("error"));
+      const Rex::Json& error = answer.body["error"];
+      EXPECT_EQ(error["change"], one.changes.size() - 1);
+      EXPECT_THAT(one.changes.back(), HasSubstr(error["path"].get<std::string>()));
+      EXPECT_THAT(error["message"].get<std::string>(), HasSubstr(one.words));
+      EXPECT_EQ(everything(), before);
+   }
+   for (const char* body :
+        {"", "{", "[]", "{}", R"({"changes":{}})", R"({"changes":[],"x":1})", R"({"changes":[1]})",
+         R"({"changes":[{"method":"PATCH"}]})", R"({"changes":[{"method":"PATCH","path":7}]})",
+         R"({"changes":[{"method":"PUT","path":"x","extra":7}]})"}) {
+      EXPECT_EQ(resources.serve({"POST", "/v1/changes", body}).status, 400) << body;
+   }
+   EXPECT_EQ(everything(), before);
+}
+
+}  // namespace
