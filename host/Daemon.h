@@ -13,6 +13,8 @@
 #include "host/Feeders/Feeders.h"
 #include "host/Module.h"
 #include "host/Options.h"
+#include "host/Watch/EntityStreams.h"
+#include "host/Watch/LldpEvents.h"
 
 namespace Host {
 
@@ -31,6 +33,7 @@ class Daemon {
    void checkPlatform() const;
    void startFeeders();
    void startApi();
+   void stopApi();
    void watchSignals();
    void handleReady();
    Rex::Json describe() const;
@@ -41,14 +44,19 @@ class Daemon {
    Rex::Context context_;
    Rex::ContextScope scope_;
    std::optional<ApiSocket> socket_;
+   std::optional<ApiSocket> readSocket_;
    std::shared_ptr<Interface::LinuxPamMaker> pamMaker_;
    std::optional<Module> module_;
    AgentBase::CAgent::Ptr agent_;
    std::optional<PortNames> names_;
    std::optional<Feeders> feeders_;
    std::optional<ApiEntities> entities_;
+   std::optional<LldpEvents> events_;
+   std::optional<EntityStreams> streams_;
    ApiResources resources_;
+   ApiRequestRate rate_;
    std::optional<ApiServer> server_;
+   std::optional<ApiServer> readServer_;
    int signals_ = -1;
    Rex::Timer ready_;
    int turns_ = 0;
