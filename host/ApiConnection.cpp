@@ -22,9 +22,19 @@ namespace http = boost::beast::http;
 namespace {
 
 constexpr size_t readBytes = 64 * 1024;
+// What ends only with the connection has no length (RFC 9112, 6.3).
+constexpr std::string_view streamHeader =
+    "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\nCache-Control: no-cache\r\n"
+    "Connection: close\r\n\r\n";
 
 bool wouldWait() {
    return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
+}
+
+ApiAnswer tooLong(const ApiLimits& limits, const std::string& advice) {
+   return ApiResources::refusal(
+       {}, ApiError(400, "the answer would be longer than " + std::to_string(limits.answerBytes) +
+                             " octets; " + advice));
 }
 
 }  // namespace
@@ -50,8 +60,13 @@ struct ApiConnection::Http {
    }
 };
 
-ApiConnection::ApiConnection(int fd, const ApiLimits& limits, ApiResources& resources)
-    : fd_(fd), limits_(limits), resources_(resources), http_(std::make_unique<Http>()) {
+ApiConnection::ApiConnection(int fd, const ApiLimits& limits, Serve serve,
+                             std::function<void()> wake)
+    : fd_(fd),
+      limits_(limits),
+      serve_(std::move(serve)),
+      wake_(std::move(wake)),
+      http_(std::make_unique<Http>()) {
    http_->expectRequest(limits_);
 }
 
@@ -60,12 +75,16 @@ ApiConnection::~ApiConnection() {
 }
 
 uint32_t ApiConnection::events() const {
+   // Nothing is read any more, but a client that hangs up is noticed.
+   if (state_ == State::streaming) {
+      return EPOLLRDHUP | (stream_->waiting().empty() ? 0u : uint32_t{EPOLLOUT});
+   }
    // The socket has room as good as always, so waiting for it is how a turn is asked for.
    bool write = state_ == State::answering || state_ == State::pending;
    return write ? EPOLLOUT : EPOLLIN;
 }
 
-void ApiConnection::serve(double now) {
+void ApiConnection::serve(double now, uint32_t events) {
    now_ = now;
    switch (state_) {
       case State::reading:
@@ -76,6 +95,9 @@ void ApiConnection::serve(double now) {
          break;
       case State::answering:
          send();
+         break;
+      case State::streaming:
+         stream(events);
          break;
       case State::draining:
          drain();
@@ -117,8 +139,8 @@ void ApiConnection::parse() {
    }
    if (!parser.is_done()) return;
    auto& request = parser.get();
-   answer(resources_.serve({std::string(request.method_string()), std::string(request.target()),
-                            std::move(request.body())}),
+   answer(serve_({std::string(request.method_string()), std::string(request.target()),
+                  std::move(request.body())}),
           parser.keep_alive());
 }
 
@@ -128,6 +150,7 @@ void ApiConnection::refuse(unsigned status, const std::string& words) {
 }
 
 void ApiConnection::answer(const ApiAnswer& answer, bool keepAlive) {
+   if (answer.stream) return begin(answer);
    Http::Response response(static_cast<http::status>(answer.status), 11);
    if (!answer.body.is_null()) {
       response.set(http::field::content_type, "application/json");
@@ -135,11 +158,10 @@ void ApiConnection::answer(const ApiAnswer& answer, bool keepAlive) {
       response.body() += '\n';
    }
    if (response.body().size() > limits_.answerBytes) {
-      ApiError large(400, "the answer would be longer than " + std::to_string(limits_.answerBytes) +
-                              " octets; ask for a member, or with ?depth=1");
-      return this->answer(ApiResources::refusal({}, large), keepAlive);
+      return this->answer(tooLong(limits_, "ask for a member, or with ?depth=1"), keepAlive);
    }
    if (!answer.allow.empty()) response.set(http::field::allow, answer.allow);
+   if (answer.status == 429) response.set(http::field::retry_after, "1");
    response.keep_alive(keepAlive);
    // Where there can be no content, not even its length is told (RFC 9110, 8.6).
    if (response.result() != http::status::no_content) response.prepare_payload();
@@ -191,6 +213,39 @@ void ApiConnection::sent() {
    deadline_ = more ? now_ + limits_.requestSeconds : Rex::never;
    idleSince_ = now_;
    if (!more) http_->input.shrink_to_fit();
+}
+
+void ApiConnection::begin(const ApiAnswer& answer) {
+   auto made = std::make_unique<ApiStream>(limits_.streamBytes, wake_);
+   made->beginIs(streamHeader);
+   auto source = answer.stream(*made);
+   if (made->waiting().size() > limits_.answerBytes) {
+      source.reset();
+      return this->answer(tooLong(limits_, "ask without ?standing=1"), false);
+   }
+   stream_ = std::move(made);
+   source_ = std::move(source);
+   state_ = State::streaming;
+   deadline_ = Rex::never;
+   // Of the request nothing is needed any more, and no other one comes.
+   http_.reset();
+}
+
+// One call in a turn, so that a reader who keeps up does not hold up the others.
+void ApiConnection::stream(uint32_t events) {
+   if (events & (EPOLLRDHUP | EPOLLHUP | EPOLLERR)) {
+      state_ = State::done;
+      return;
+   }
+   std::string_view octets = stream_->waiting();
+   ssize_t gone = ::send(fd_, octets.data(), octets.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+   if (gone < 0 && wouldWait()) return;
+   if (gone < 0) {
+      state_ = State::done;
+      return;
+   }
+   stream_->sent(static_cast<size_t>(gone));
+   if (stream_->over()) state_ = State::done;
 }
 
 void ApiConnection::drain() {

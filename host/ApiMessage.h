@@ -1,6 +1,8 @@
 // One request to the management API and its answer, apart from how they travel.
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -9,16 +11,22 @@
 
 namespace Host {
 
+class ApiStream;
+
 struct ApiRequest {
    std::string method;  // "GET", ...
    std::string target;  // path and query, as they came
    std::string body;
+   bool mayWrite = true;  // false: the client came through the socket for reading
 };
 
 struct ApiAnswer {
    unsigned status = 200;
    Rex::Json body;     // null: no content
    std::string allow;  // the methods that would do, with status 405
+   // Instead of a body, an answer that goes on: fills the stream, which outlives what it returns,
+   // for as long as that is held. Called at most once, when the answer begins.
+   std::function<std::shared_ptr<void>(ApiStream&)> stream = {};
 };
 
 // A request that is refused. Nothing has changed.

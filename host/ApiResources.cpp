@@ -45,6 +45,10 @@ ApiAnswer ApiResources::refusal(const std::string& target, const ApiError& error
 }
 
 ApiAnswer ApiResources::dispatch(const ApiRequest& request) const {
+   if (!request.mayWrite && request.method != "GET") {
+      throw ApiError(
+          403, "this socket is for GET alone; what changes something goes to " + writeSocket_);
+   }
    ApiTarget target = ApiTarget::parse(request.target);
    const ApiResource& resource = resourceOf("/" + Statestore::encodePath(target.steps));
    for (const auto& [name, value] : target.parameters) {

@@ -29,11 +29,16 @@ class ApiResources {
 
    static ApiAnswer refusal(const std::string& target, const ApiError& error);
 
+   // Where to go with a request that came through the socket for reading and is to change
+   // something.
+   void writeSocketIs(const std::string& path) { writeSocket_ = path; }
+
  private:
    ApiAnswer dispatch(const ApiRequest& request) const;
    const ApiResource& resourceOf(const std::string& path) const;
 
    std::vector<ApiResource> resources_;
+   std::string writeSocket_;
 };
 
 // The body of a request. Throws ApiError when it is no JSON.

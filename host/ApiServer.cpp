@@ -13,13 +13,24 @@
 namespace Host {
 namespace {
 constexpr double patience = 1;  // seconds, when there are no more descriptors
+
+// Whom the kernel says that the client is.
+uid_t userOf(int fd) {
+   ucred credentials{};
+   socklen_t length = sizeof credentials;
+   bool known = getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &credentials, &length) == 0;
+   return known ? credentials.uid : static_cast<uid_t>(-1);
+}
 }  // namespace
 
-ApiServer::ApiServer(Rex::Loop& loop, int listener, ApiResources& resources, ApiLimits limits)
+ApiServer::ApiServer(Rex::Loop& loop, int listener, ApiResources& resources, ApiRequestRate& rate,
+                     ApiLimits limits, bool mayWrite)
     : loop_(loop),
       listener_(listener),
       resources_(resources),
+      rate_(rate),
       limits_(limits),
+      mayWrite_(mayWrite),
       clock_(Rex::Context::current().clock()),
       timer_(clock_) {
    timer_.handlerIs(nullptr, [this] { handleDeadline(); });
@@ -61,7 +72,10 @@ void ApiServer::admit(int fd) {
       close(fd);
       return;
    }
-   auto connection = std::make_unique<ApiConnection>(fd, limits_, resources_);
+   uid_t user = userOf(fd);
+   auto connection = std::make_unique<ApiConnection>(
+       fd, limits_, [this, user](const ApiRequest& request) { return answer(request, user); },
+       [this, fd] { settle(*clients_.at(fd)); });
    settle(*connection);
    clients_.emplace(fd, std::move(connection));
 }
@@ -70,7 +84,7 @@ void ApiServer::admit(int fd) {
 bool ApiServer::makeRoom() {
    auto longest = clients_.end();
    for (auto at = clients_.begin(); at != clients_.end(); ++at) {
-      if (at->second->deadline() != Rex::never) continue;
+      if (!at->second->idle()) continue;
       if (longest == clients_.end() || at->second->idleSince() < longest->second->idleSince()) {
          longest = at;
       }
@@ -80,9 +94,31 @@ bool ApiServer::makeRoom() {
    return true;
 }
 
-void ApiServer::serve(int fd) {
+ApiAnswer ApiServer::answer(ApiRequest request, uid_t user) {
+   if (!rate_.take(user, clock_->now())) {
+      return ApiResources::refusal(
+          request.target,
+          ApiError(429, fmt::format("user {} asks more than {} times a second; wait a second", user,
+                                    limits_.requestsPerSecond)));
+   }
+   request.mayWrite = mayWrite_;
+   ApiAnswer answer = resources_.serve(request);
+   if (!answer.stream || streams() < limits_.streams) return answer;
+   return ApiResources::refusal(
+       request.target,
+       ApiError(503, fmt::format("there are {} streams already, and no more at a time",
+                                 limits_.streams)));
+}
+
+size_t ApiServer::streams() const {
+   return static_cast<size_t>(
+       std::count_if(clients_.begin(), clients_.end(),
+                     [](const auto& client) { return client.second->streaming(); }));
+}
+
+void ApiServer::serve(int fd, uint32_t events) {
    ApiConnection& connection = *clients_.at(fd);
-   connection.serve(clock_->now());
+   connection.serve(clock_->now(), events);
    if (connection.done()) {
       remove(fd);
    } else {
@@ -94,7 +130,8 @@ void ApiServer::serve(int fd) {
 void ApiServer::settle(ApiConnection& connection) {
    int fd = connection.fd();
    loop_.descriptorIs(
-       fd, connection.events(), [this, fd](uint32_t) { serve(fd); }, Rex::Loop::Serve::outside);
+       fd, connection.events(), [this, fd](uint32_t events) { serve(fd, events); },
+       Rex::Loop::Serve::outside);
 }
 
 void ApiServer::remove(int fd) {

@@ -69,7 +69,7 @@ void clear(const std::string& path, const sockaddr_un& address) {
 
 }  // namespace
 
-ApiSocket::ApiSocket(const std::string& path) : path_(path), lock_(-1) {
+ApiSocket::ApiSocket(const std::string& path, std::optional<gid_t> group) : path_(path), lock_(-1) {
    sockaddr_un address = addressOf(path);
    lock_ = lockOf(path);
    try {
@@ -79,7 +79,9 @@ ApiSocket::ApiSocket(const std::string& path) : path_(path), lock_(-1) {
       mode_t before = umask(0117);
       int bound = bind(fd_, reinterpret_cast<const sockaddr*>(&address), sizeof(address));
       umask(before);
-      if (bound < 0 || ::listen(fd_, 64) < 0) fail(path, errno);
+      if (bound < 0) fail(path, errno);
+      if (group && chown(path.c_str(), static_cast<uid_t>(-1), *group) < 0) fail(path, errno);
+      if (::listen(fd_, 64) < 0) fail(path, errno);
    } catch (const StartError&) {
       if (fd_ >= 0) close(fd_);
       close(lock_);

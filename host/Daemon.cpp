@@ -57,7 +57,8 @@ Daemon::Daemon(const Options& options)
          throw StartError(std::string("--trace: ") + error.what());
       }
    }
-   socket_.emplace(options_.socket);
+   socket_.emplace(options_.socket, options_.writeGroup);
+   if (options_.readGroup) readSocket_.emplace(options_.readSocket, options_.readGroup);
    checkPlatform();
    pamMaker_ = std::make_shared<Interface::LinuxPamMaker>(loop_);
    context_.serviceIs<Interface::PamMaker>(pamMaker_);
@@ -70,7 +71,7 @@ Daemon::Daemon(const Options& options)
 Daemon::~Daemon() {
    if (signals_ >= 0) close(signals_);
    // Its machines hold packet access objects, which the maker has to outlive.
-   server_.reset();
+   stopApi();
    agent_ = nullptr;
 }
 
@@ -108,7 +109,21 @@ void Daemon::startApi() {
                           }});
    resources_.resourceIs(traceResource());
    serveConfig(resources_, *config_, *configFile_);
-   server_.emplace(loop_, socket_->fd(), resources_);
+   events_.emplace(manager);
+   events_->serveIn(resources_);
+   streams_.emplace(manager);
+   streams_->serveIn(resources_);
+   resources_.writeSocketIs(options_.socket);
+   server_.emplace(loop_, socket_->fd(), resources_, rate_);
+   if (readSocket_) {
+      readServer_.emplace(loop_, readSocket_->fd(), resources_, rate_, ApiLimits(), false);
+   }
+}
+
+// Ends the streams too, whose machines watch what the agent is about to take away.
+void Daemon::stopApi() {
+   readServer_.reset();
+   server_.reset();
 }
 
 void Daemon::watchSignals() {
@@ -130,7 +145,7 @@ void Daemon::start() {
 void Daemon::run() {
    loop_.run(context_);
    sd_notify(0, "STOPPING=1");
-   server_.reset();
+   stopApi();
    // As one handler, so that what still watches is told when all of it is over.
    Rex::Dispatcher::run([this] { module_->cleanUp(*agent_); });
 }

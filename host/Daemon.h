@@ -14,6 +14,8 @@
 #include "host/Feeders/Feeders.h"
 #include "host/Module.h"
 #include "host/Options.h"
+#include "host/Watch/EntityStreams.h"
+#include "host/Watch/LldpEvents.h"
 
 namespace Host {
 
@@ -33,6 +35,7 @@ class Daemon {
    void loadConfig();
    void startFeeders();
    void startApi();
+   void stopApi();
    void watchSignals();
    void handleReady();
    Rex::Json describe() const;
@@ -43,6 +46,7 @@ class Daemon {
    Rex::Context context_;
    Rex::ContextScope scope_;
    std::optional<ApiSocket> socket_;
+   std::optional<ApiSocket> readSocket_;
    std::shared_ptr<Interface::LinuxPamMaker> pamMaker_;
    std::optional<Module> module_;
    AgentBase::CAgent::Ptr agent_;
@@ -51,8 +55,12 @@ class Daemon {
    std::optional<PortNames> names_;
    std::optional<Feeders> feeders_;
    std::optional<ApiEntities> entities_;
+   std::optional<LldpEvents> events_;
+   std::optional<EntityStreams> streams_;
    ApiResources resources_;
+   ApiRequestRate rate_;
    std::optional<ApiServer> server_;
+   std::optional<ApiServer> readServer_;
    int signals_ = -1;
    Rex::Timer ready_;
    int turns_ = 0;

@@ -1,6 +1,9 @@
 #include "host/Options.h"
 
+#include <grp.h>
+
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <iostream>
 
 #include "Rex/Printable.h"
@@ -73,6 +76,26 @@ std::set<std::string> feedersOf(const std::string& text) {
    return chosen;
 }
 
+std::optional<gid_t> groupOf(const char* option, const std::string& name) {
+   if (name.empty()) return std::nullopt;
+   const group* found = getgrnam(name.c_str());
+   if (!found) refuse(option, name, "there is no group of that name");
+   return found->gr_gid;
+}
+
+// The operator's socket and the one for reading.
+void takeSockets(Options& options, const std::string& readGroup, const std::string& writeGroup) {
+   options.writeGroup = groupOf("--write-group", writeGroup);
+   options.readGroup = groupOf("--read-group", readGroup);
+   std::string& path = options.readSocket;
+   if (!options.readGroup) {
+      if (!path.empty()) refuse("--read-socket", path, "for whom? It needs --read-group");
+      return;
+   }
+   if (path.empty()) path = std::filesystem::path(options.socket).replace_filename("read.sock");
+   if (path == options.socket) refuse("--read-socket", path, "that is the socket of --socket");
+}
+
 void takeTrace(Options& options, const std::string& text) {
    try {
       options.trace.push_back(parseTrace(text));
@@ -93,6 +116,8 @@ struct Words {
    std::vector<std::string> traces;
    std::vector<std::string> devices;
    std::string feeders = "all";
+   std::string readGroup;
+   std::string writeGroup;
 };
 
 void declare(CLI::App& app, Options& options, Words& words) {
@@ -116,6 +141,12 @@ void declare(CLI::App& app, Options& options, Words& words) {
    once("--cell", "NUMBER", options.cell, "Number of this supervisor")->check(CLI::Range(1, 2));
    once("--socket", "PATH", options.socket,
         "Socket of the management API; its owner and group may use it");
+   once("--write-group", "GROUP", words.writeGroup,
+        "Group of that socket, which may read and change everything (default: the process's own)");
+   once("--read-group", "GROUP", words.readGroup,
+        "Group that may read, through a socket of its own; without it there is none");
+   once("--read-socket", "PATH", options.readSocket,
+        "That socket (default: read.sock in the folder of --socket)");
    once("--run-dir", "DIR", options.runDir,
         "Folder of what lives until the next boot: time anchor, ring trace");
    once("--state-dir", "DIR", options.stateDir,
@@ -158,6 +189,7 @@ std::optional<Options> Options::parse(int argc, const char* const* argv) {
    }
    for (const std::string& port : words.ports) takePort(options, port);
    for (const std::string& trace : words.traces) takeTrace(options, trace);
+   takeSockets(options, words.readGroup, words.writeGroup);
    options.feeders = feedersOf(words.feeders);
    options.devices = {words.devices.begin(), words.devices.end()};
    checkFeeders(options);

@@ -1,6 +1,8 @@
 // The command line of lldp-agentd.
 #pragma once
 
+#include <sys/types.h>
+
 #include <map>
 #include <optional>
 #include <set>
@@ -17,6 +19,9 @@ struct Options {
    std::map<std::string, Wirekit::IntfId> ports;  // the operator's port names, by device
    int cell = 1;
    std::string socket = "/run/lldp-agentd/api.sock";
+   std::optional<gid_t> writeGroup;  // of `socket`; none: the process's own
+   std::string readSocket;           // empty: there is none
+   std::optional<gid_t> readGroup;   // there is one exactly if there is a socket for reading
    std::string runDir = "/run/lldp-agentd";
    std::string stateDir = "/var/lib/lldp-agentd";
    std::string config;  // file of the operator's configuration; empty: the state folder's

@@ -35,4 +35,16 @@ void outletsIs(Rex::Context& context) {
    context.traceSink = traceRecord;
 }
 
+LogTap::LogTap(Rex::Context& context, std::function<void(const Rex::LogEvent&)> hear)
+    : context_(context), outlet_(context.logSink) {
+   context_.logSink = [hear = std::move(hear), outlet = outlet_](const Rex::LogEvent& event) {
+      hear(event);
+      if (outlet) outlet(event);
+   };
+}
+
+LogTap::~LogTap() {
+   context_.logSink = outlet_;
+}
+
 }  // namespace Host

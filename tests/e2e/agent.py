@@ -40,6 +40,36 @@ def request(socket_path, method, path, body=None):
         connection.close()
 
 
+class Stream:
+    """A stream of the management API: events as (name, data), as they come."""
+
+    def __init__(self, socket_path, path):
+        self._socket = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
+        self._socket.settimeout(10)
+        self._socket.connect(str(socket_path))
+        self._socket.sendall(f"GET {path} HTTP/1.1\r\nHost: switch\r\n\r\n".encode())
+        self._lines = self._socket.makefile("rb")
+        self.status = int(self._lines.readline().split()[1])
+        while self._lines.readline().strip():
+            pass
+
+    def next(self, timeout=10):
+        """The next event; fails when none comes in time."""
+        self._socket.settimeout(timeout)
+        name = data = None
+        while line := self._lines.readline().decode():
+            if line == "\n":
+                return name, data
+            key, value = line.rstrip("\n").split(": ", 1)
+            name = value if key == "event" else name
+            data = json.loads(value) if key == "data" else data
+        raise EOFError("the stream has ended")
+
+    def close(self):
+        self._lines.close()
+        self._socket.close()
+
+
 class Agent:
     """One lldp-agentd in a namespace. devices: {"Ethernet1": "eth1"} or a list of devices."""
 
@@ -111,6 +141,9 @@ class Agent:
         members = self.port_status(port).get("remoteSystem") or {}
         rows = members.values() if isinstance(members, dict) else members
         return sorted(rows, key=lambda row: row["index"])
+
+    def stream(self, path):
+        return Stream(self.socket, path)
 
     # --- operator's command
 

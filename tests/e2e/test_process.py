@@ -32,6 +32,7 @@ def refused(scene, namespace, devices, *options, **more):
     (["lo"], ["--trace", "Nothing"], ["Nothing"]),
     (["lo"], ["--surprise"], ["--surprise"]),
     ([], ["--module"], ["--module", "needs a value"]),
+    (["lo"], ["--read-group", "no-such-group"], ["--read-group", "no-such-group"]),
 ])
 def test_a_start_that_cannot_be_is_refused_in_one_line(scene, devices, options, words):
     line = refused(scene, scene.namespace("near"), devices, *options)
@@ -85,7 +86,8 @@ def test_help_teaches():
         assert done.returncode == 0
     done = subprocess.run([AGENTD, "--help"], capture_output=True, text=True, timeout=5)
     for option in ("--port", "--cell", "--socket", "--run-dir", "--state-dir", "--config",
-                   "--trace", "--feeders", "--module"):
+                   "--trace", "--feeders", "--module", "--read-socket", "--read-group",
+                   "--write-group"):
         assert option in done.stdout
 
 

@@ -39,6 +39,15 @@ TEST(HostOptions, WhatTheyMean) {
    EXPECT_EQ(some->trace[1].mask, 0x3ff);
 }
 
+TEST(HostOptions, TheSocketForReadingStandsBesideTheOther) {
+   EXPECT_FALSE(parse({})->readGroup);
+   auto both = parse({"--read-group", "root", "--write-group", "root", "--socket", "a/b.sock"});
+   EXPECT_EQ(both->readSocket, "a/read.sock");
+   EXPECT_EQ(both->readGroup, gid_t{0});
+   EXPECT_EQ(both->writeGroup, gid_t{0});
+   EXPECT_EQ(parse({"--read-group", "root", "--read-socket", "c.sock"})->readSocket, "c.sock");
+}
+
 TEST(HostOptions, AWrongOneIsNamedInOneLine) {
    struct Case {
       std::vector<const char*> words;
@@ -62,6 +71,10 @@ TEST(HostOptions, AWrongOneIsNamedInOneLine) {
        {{"--trace", "A="}, {"A="}},
        {{"--trace", "=1"}, {"=1"}},
        {{"--socket"}, {"--socket"}},
+       {{"--write-group", "no such"}, {"--write-group", "no such", "no group"}},
+       {{"--read-group", "no such"}, {"--read-group", "no such", "no group"}},
+       {{"--read-socket", "x"}, {"--read-socket x", "--read-group"}},
+       {{"--socket", "x", "--read-socket", "x", "--read-group", "root"}, {"--read-socket x"}},
    };
    for (const Case& one : cases) {
       try {

@@ -1,0 +1,54 @@
+// GET /v1/events: what happens to neighbours and ports, in an operator's terms, told to whoever
+// listens. The machines that watch for it stand as long as somebody does.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "Rex/Owned.h"
+#include "Statestore/EntityManager.h"
+#include "host/ApiResources.h"
+#include "host/ApiStream.h"
+#include "host/Outlets.h"
+#include "host/Watch/LinkDirSm.h"
+#include "host/Watch/LldpStatusDirSm.h"
+
+namespace Host {
+
+class LldpEvents {
+ public:
+   explicit LldpEvents(Rex::Ptr<Statestore::EntityManager> entityManager)
+       : entityManager_(std::move(entityManager)) {}
+
+   void serveIn(ApiResources& resources);
+   // Events go to the stream for as long as what is returned is held; `standing` begins with what
+   // stands.
+   std::shared_ptr<void> listenerIs(ApiStream& stream, bool standing);
+   size_t listeners() const { return listeners_.size(); }
+
+   // For the machines: tells every listener. `data` gets the time ahead of it.
+   void tell(const char* event, const Rex::Json& data);
+   bool heard() const { return !listeners_.empty(); }
+   // Why neighbours go in the present reaction.
+   const char* goneReason() const;
+
+ private:
+   struct Listener;
+
+   void start();
+   void stop();
+   void tellStanding(ApiStream& stream) const;
+   void handleLog(const Rex::LogEvent& event);
+
+   const Rex::Ptr<Statestore::EntityManager> entityManager_;
+   std::vector<ApiStream*> listeners_;
+   uint64_t lastId_ = 0;
+   std::optional<LogTap> logTap_;
+   const char* reason_ = nullptr;  // of the event that the agent logged last
+   uint32_t reasonReaction_ = 0;   // the reaction that it was logged in
+   Rex::OwnedMachine<LinkDirSm> linkDirSm_;
+   Rex::OwnedMachine<LldpStatusDirSm> lldpStatusDirSm_;
+};
+
+}  // namespace Host

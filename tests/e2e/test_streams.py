@@ -1,0 +1,118 @@
+"""Streams of the management API, and who may do what through which socket."""
+
+import os
+import subprocess
+
+import pytest
+
+from agent import Stream, request
+from frames import frame
+
+MAC = "02:11:22:33:44:55"
+CONFIG = "/v1/entity/l2discovery/lldp/cliConfig"
+
+
+def told(stream):
+    """The next event in short: its name, and what it says beside time and neighbour."""
+    name, data = stream.next()
+    neighbour = data.get("neighbor")
+    words = [name, data.get("port"), neighbour and neighbour["sysName"]["tlvInfo"],
+             data.get("reason") or data.get("changed")]
+    return [word for word in words if word]
+
+
+def test_a_neighbour_comes_changes_and_goes_with_each_reason(bench):
+    wire = bench.wire()
+    bench.wire("eth2").send(frame("02:00:00:00:00:09", "p", 120, "old"))
+    events = bench.agent.stream("/v1/events?standing=1")
+    first = [told(events) for _ in range(3)]
+    if ["neighbor-standing", "Ethernet2", "old"] not in first:  # its frame is on the way still
+        assert told(events) == ["neighbor-added", "Ethernet2", "old"]
+    else:
+        assert told(events) == ["standing-end"]
+    assert ["port-up", "Ethernet1"] in first and ["port-up", "Ethernet2"] in first
+
+    def comes(ttl=120):
+        wire.send(frame(MAC, "p", ttl, "new"))
+        assert told(events) == ["neighbor-added", "Ethernet1", "new"]
+
+    comes()
+    wire.send(frame(MAC, "p", 120, "new"))
+    wire.send(frame(MAC, "p", 120, "other"))
+    assert told(events) == ["neighbor-changed", "Ethernet1", "other", ["sysName"]]
+    wire.send(frame(MAC, "p", 0))
+    assert told(events) == ["neighbor-gone", "Ethernet1", "other", "shutdown"]
+    comes(ttl=1)
+    assert told(events) == ["neighbor-gone", "Ethernet1", "new", "timedOut"]
+    comes()
+    bench.agent.patch("l2discovery/lldp/remTablesCliConfig",
+                      remTablesClearRequest={"requesterName": "x", "requesterLine": "y"})
+    gone = [told(events) for _ in range(2)]
+    assert sorted(gone) == [["neighbor-gone", "Ethernet1", "new", "cleared"],
+                            ["neighbor-gone", "Ethernet2", "old", "cleared"]]
+    comes()
+    bench.far.ip("link", "set", "eth1", "down")
+    lost = [told(events) for _ in range(2)]
+    assert sorted(lost) == [["neighbor-gone", "Ethernet1", "new", "portLost"],
+                            ["port-down", "Ethernet1"]]
+    bench.far.ip("link", "set", "eth1", "up")
+    assert told(events) == ["port-up", "Ethernet1"]
+    assert bench.agent.stop() == 0
+    with pytest.raises(EOFError):
+        events.next()
+
+
+def test_a_neighbour_that_says_goodbye_itself(bench, scene):
+    events = bench.agent.stream("/v1/events")
+    peer = scene.peer(bench.far, "eth1").start()
+    while (name := events.next()[0]) != "neighbor-added":
+        assert name.startswith("port-")
+    peer.stop()
+    while (last := told(events))[0] == "neighbor-changed":
+        pass
+    assert last == ["neighbor-gone", "Ethernet1", "peer-switch", "shutdown"]
+
+
+def test_any_entity_can_be_followed(bench):
+    stream = bench.agent.stream("/v1/stream/l2discovery/lldp/cliConfig")
+    bench.agent.configure(messageTxInterval=7)
+    assert stream.next() == ("changed", {"path": "l2discovery/lldp/cliConfig/messageTxInterval",
+                                         "value": 7})
+
+
+def test_too_many_streams_are_refused(bench):
+    streams = [bench.agent.stream("/v1/events") for _ in range(17)]
+    assert [stream.status for stream in streams] == [200] * 16 + [503]
+    streams[3].close()
+    assert request(bench.agent.socket, "GET", "/v1/paths")[0] == 200
+    assert bench.agent.stream("/v1/events").status == 200
+
+
+def test_the_two_sockets_have_their_groups_and_rights(bench, scene):
+    agent = scene.agent(bench.near, {"Ethernet1": "eth1"}, "--read-group", "games",
+                        "--write-group", "operator").start()
+    reading = agent.folder / "read.sock"
+
+    def ask(group, path, *words):
+        """The status of a request by a user with no rights but those of the group; 0: no way in."""
+        done = subprocess.run(["setpriv", "--reuid", "65534", "--regid", group, "--clear-groups",
+                               "curl", "-sS", "-m", "5", "-o", "/dev/null", "-w", "%{http_code}",
+                               "--unix-socket", path, *words], capture_output=True, text=True,
+                              timeout=10)
+        return int(done.stdout)
+
+    read = [f"http://switch{CONFIG}"]
+    write = ["-X", "PATCH", "-d", '{"messageTxInterval": 9}', *read]
+    rights = {(group, path.name): (ask(group, path, *read), ask(group, path, *write))
+              for group in ("games", "operator", "nogroup") for path in (agent.socket, reading)}
+    assert rights == {
+        ("games", "api.sock"): (0, 0), ("games", "read.sock"): (200, 403),
+        ("operator", "api.sock"): (200, 204), ("operator", "read.sock"): (0, 0),
+        ("nogroup", "api.sock"): (0, 0), ("nogroup", "read.sock"): (0, 0),
+    }
+    status, answer = request(reading, "DELETE", CONFIG)
+    assert status == 403 and str(agent.socket) in answer["error"]["message"]
+    events = Stream(reading, "/v1/events?standing=1")
+    assert events.next()[0] == "port-up"
+    assert agent.stop() == 0
+    assert not os.path.exists(reading)
