@@ -55,7 +55,8 @@ std::string besides(const std::string& socketPath) {
 std::string requestText(const std::string& method, const std::string& target,
                         const std::string& body) {
    std::string head = fmt::format("{} {} HTTP/1.1\r\nHost: switch\r\n", method, target);
-   if (body.empty()) return head + "\r\n";
+   if (method == "GET") return head + "\r\n";
+   if (body.empty()) return head + "Content-Length: 0\r\n\r\n";
    return fmt::format("{}Content-Type: application/json\r\nContent-Length: {}\r\n\r\n{}", head,
                       body.size(), body);
 }
@@ -80,7 +81,8 @@ Json Client::get(const std::string& target) {
 
 Json Client::change(const std::string& method, const std::string& target, const Json& body) {
    // Octets that are no UTF-8 came from the command line, and are for the agent to refuse.
-   std::string text = body.dump(-1, ' ', true, Json::error_handler_t::replace);
+   std::string text =
+       body.is_null() ? "" : body.dump(-1, ' ', true, Json::error_handler_t::replace);
    Answer answer = exchange(method, target, text);
    if (answer.status < 200 || answer.status > 299) refuse(target, answer);
    return answer.body.empty() ? Json() : decoded(answer.body);

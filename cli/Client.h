@@ -32,8 +32,9 @@ class Client {
    std::optional<Json> find(const std::string& target);
    // Likewise, but a missing resource is a Failure too.
    Json get(const std::string& target);
-   // A request that changes something. Null for an answer without words.
-   Json change(const std::string& method, const std::string& target, const Json& body);
+   // A request that changes something, without a body if that is null. Null for an answer without
+   // one.
+   Json change(const std::string& method, const std::string& target, const Json& body = {});
    // The octets of an answer without end, as they come. Throws Failure when it ends.
    using Sink = std::function<void(std::string_view octets)>;
    [[noreturn]] void stream(const std::string& target, const Sink& sink);

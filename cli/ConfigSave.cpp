@@ -12,7 +12,7 @@ namespace {
 
 void run(Session& session) {
    Client client(session.socketPath, session.patience);
-   Json answer = client.change("POST", "/v1/config/save", Json::object());
+   Json answer = client.change("POST", "/v1/config/save");
    session.out << fmt::format("saved to {}\n", text(answer.at("file")));
 }
 

@@ -210,6 +210,7 @@ TEST_F(CliSet, ClearSaveAndTrace) {
    EXPECT_THAT(agent.requests().back(),
                HasSubstr(R"({"requesterName":"admin","requesterLine":"pts/3"})"));
    EXPECT_EQ(run({"config", "save"}).out, "saved to /etc/lldp\\x1b.json\n");
+   EXPECT_EQ(agent.requests().back(), "POST /v1/config/save");
    EXPECT_EQ(run({"trace"}).out, "Facility      Levels\nLldpAgent     off\nLldpProtocol  0,4\n");
    EXPECT_THAT(run({"trace", "Nobody"}).err, HasSubstr("there are LldpAgent, LldpProtocol"));
    const std::vector<std::pair<const char*, const char*>> levels{
