@@ -43,7 +43,7 @@ bool PortOrder::operator()(const std::string& a, const std::string& b) const {
    return strverscmp(a.c_str(), b.c_str()) < 0;
 }
 
-Agent::Agent(const std::string& socketPath) : client_(socketPath) {
+Agent::Agent(const Session& session) : client_(session.socketPath, session.patience) {
    Json agent = client_.get("/v1/agent");
    now_ = agent.at("time").get<double>();
    statusPath_ = fmt::format("l2discovery/lldp/status/local/{}", agent.at("cell").get<int>());
@@ -77,15 +77,18 @@ Ports Agent::ports(const std::string& path, std::string_view collection,
    return found;
 }
 
-Ports Agent::portsIn(const Json& entity, std::string_view collection,
-                     const std::optional<std::string>& port) {
-   const Json& members = entity.at(std::string(collection));
+Ports Agent::portsIn(const Json& members, const std::optional<std::string>& port) {
    if (port && !members.contains(*port)) noSuchPort(*port, namesIn(members));
    Ports found;
    for (const auto& [name, member] : members.items()) {
       if (!port || name == *port) found.emplace(name, member);
    }
    return found;
+}
+
+std::vector<std::string> Agent::portNames() {
+   Names names = namesIn(entity(statusPath_, 0).at("portStatus"));
+   return {names.begin(), names.end()};
 }
 
 }  // namespace LldpCli

@@ -5,8 +5,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "cli/Client.h"
+#include "cli/Session.h"
 
 namespace LldpCli {
 
@@ -18,7 +20,9 @@ using Ports = std::map<std::string, Json, PortOrder>;
 
 class Agent {
  public:
-   explicit Agent(const std::string& socketPath);
+   explicit Agent(const Session& session);
+
+   Client& client() { return client_; }
 
    // Seconds on the agent's clock, which its entities' times stand on, when it was asked last.
    double now() const { return now_; }
@@ -33,9 +37,10 @@ class Agent {
    // ports there are when there is no such port.
    Ports ports(const std::string& path, std::string_view collection,
                const std::optional<std::string>& port);
-   // Likewise from an entity that has been read, which owns the members.
-   static Ports portsIn(const Json& entity, std::string_view collection,
-                        const std::optional<std::string>& port);
+   // Likewise from the members of a collection that has been read.
+   static Ports portsIn(const Json& members, const std::optional<std::string>& port);
+   // Of all ports on which the agent speaks, in their order.
+   std::vector<std::string> portNames();
    std::optional<Json> findPort(const std::string& path, std::string_view collection,
                                 std::string_view port);
 

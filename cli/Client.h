@@ -2,29 +2,42 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "cli/Socket.h"
+
 namespace LldpCli {
 
 using Json = nlohmann::ordered_json;
 
+struct Patience {
+   // An agent that says nothing for so long counts as gone.
+   std::chrono::milliseconds answer = std::chrono::seconds(10);
+   // Lets time pass before a busy agent is asked once more.
+   std::function<void(std::chrono::seconds)> pause = [](std::chrono::seconds) {};
+};
+
 class Client {
  public:
-   // Connects at the first request. An agent that says nothing for `patience` counts as gone.
-   explicit Client(std::string socketPath,
-                   std::chrono::milliseconds patience = std::chrono::seconds(10));
-   ~Client() { disconnect(); }
-   Client(const Client&) = delete;
-   Client& operator=(const Client&) = delete;
+   // Connects at the first request. Where this user may not use the socket, what only reads goes
+   // to `read.sock` in the same folder, if the agent has one there.
+   explicit Client(const std::string& socketPath, Patience patience = {});
 
    // The resource at a target such as "/v1/agent", or nothing when the agent has no such resource.
-   // Throws Failure when the agent cannot be reached or refuses.
+   // Throws Failure when the agent cannot be reached, Refused when it refuses.
    std::optional<Json> find(const std::string& target);
    // Likewise, but a missing resource is a Failure too.
    Json get(const std::string& target);
+   // A request that changes something, without a body if that is null. Null for an answer without
+   // one.
+   Json change(const std::string& method, const std::string& target, const Json& body = {});
+   // The octets of an answer without end, as they come. Throws Failure when it ends.
+   using Sink = std::function<void(std::string_view octets)>;
+   [[noreturn]] void stream(const std::string& target, const Sink& sink);
 
    // One step of a target's path: everything but letters, digits and "-._~" as %XX.
    static std::string step(std::string_view key);
@@ -33,18 +46,21 @@ class Client {
    struct Answer {
       unsigned status = 0;
       bool keepAlive = false;
+      long long retryAfter = 1;  // seconds, where the agent is busy
       std::string body;
    };
-   Answer exchange(const std::string& target);
-   void connect();
-   void disconnect();
-   void send(std::string_view octets);
-   Answer receive();
-   [[noreturn]] void fail(int error) const;
+   Json changed(const std::string& target, const Answer& answer) const;
+   Answer exchange(const std::string& method, const std::string& target, const std::string& body,
+                   const Sink& sink = {});
+   Answer exchangeOnce(const std::string& request, bool reading, const Sink& sink);
+   void connect(bool reading);
+   Answer receive(const Sink& sink);
+   void refuse(const std::string& target, const Answer& answer) const;
 
-   std::string socketPath_;
-   std::chrono::milliseconds patience_;
-   int socket_ = -1;
+   Socket socket_;
+   Socket readSocket_;
+   Socket* open_ = nullptr;
+   Patience patience_;
 };
 
 }  // namespace LldpCli

@@ -3,32 +3,29 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <sstream>
 
 #include "Rex/Printable.h"
-#include "cli/Client.h"
+#include "cli/ClearNeighbors.h"
+#include "cli/Completion.h"
+#include "cli/ConfigSave.h"
 #include "cli/Failure.h"
-#include "cli/Session.h"
+#include "cli/Help.h"
+#include "cli/Man.h"
+#include "cli/Set.h"
+#include "cli/ShowConfig.h"
 #include "cli/ShowInterfaces.h"
 #include "cli/ShowLocal.h"
 #include "cli/ShowNeighbors.h"
 #include "cli/ShowStatistics.h"
+#include "cli/Trace.h"
+#include "cli/Watch.h"
 
 namespace LldpCli {
 namespace {
 
 constexpr int failed = 1;
 constexpr int misused = 2;
-
-constexpr const char* examples = R"TEXT(Examples:
-  lldp show neighbors                   who is at the other end of each cable
-  lldp show neighbors Ethernet1 detail  everything the neighbor on one port says
-  lldp show neighbors --json | jq -r '.neighbors[] | "\(.port) \(.systemName)"'
-  lldp show local                       what this switch says about itself
-  lldp show statistics Ethernet1        frames sent, received and refused on one port
-  lldp show interfaces                  which device stands behind which port
-
-The command talks to lldp-agentd through its socket; the permissions of the socket
-decide who may. 'lldp show neighbors --help' tells more of one command.)TEXT";
 
 // Without a command that follows, `app` says which there are.
 void wantCommand(CLI::App& app) {
@@ -43,43 +40,89 @@ void wantCommand(CLI::App& app) {
    });
 }
 
+CLI::App& addGroup(CLI::App& app, const char* name, const char* description) {
+   CLI::App* group = app.add_subcommand(name, description);
+   wantCommand(*group);
+   group->fallthrough();
+   return *group;
+}
+
+// The parser's own words for things are not an operator's.
+void name(CLI::App& app) {
+   for (CLI::Option* option : app.get_options()) {
+      if (option->get_positional()) option->type_name("");
+   }
+   app.get_help_ptr()->description("what the command does and takes");
+   for (CLI::App* command : app.get_subcommands(nullptr)) {
+      command->group("Commands");
+      name(*command);
+   }
+}
+
 void describe(CLI::App& app, Session& session) {
    app.name("lldp");
-   app.description("Shows what the LLDP agent of this switch says and hears.");
+   app.description("Shows and sets what the LLDP agent of this switch says and hears.");
    wantCommand(app);
    app.get_formatter()->column_width(24);
+   app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+   app.get_formatter()->label("Positionals", "Arguments");
    app.add_option("--socket", session.socketPath, "socket of the agent's management API")
        ->type_name("PATH")
        ->capture_default_str();
-   CLI::App* show = app.add_subcommand("show", "shows neighbors, local system, counters, ports");
-   wantCommand(*show);
-   show->fallthrough();
-   addShowNeighbors(*show, session);
-   addShowLocal(*show, session);
-   addShowStatistics(*show, session);
-   addShowInterfaces(*show, session);
-   app.footer(examples);  // last: a subcommand would take it over
+   CLI::App& show = addGroup(app, "show", "neighbors, local system, counters, ports, settings");
+   addShowNeighbors(show, session);
+   addShowLocal(show, session);
+   addShowStatistics(show, session);
+   addShowInterfaces(show, session);
+   addShowConfig(show, session);
+   addWatch(app, session);
+   addSet(app, session);
+   addUnset(app, session);
+   addConfigSave(addGroup(app, "config", "the settings as a whole"), session);
+   addClearNeighbors(addGroup(app, "clear", "forgets what was learned"), session);
+   addTrace(app, session);
+   addCompletion(app, session);
+   addMan(app, session);
+   name(app);
+   app.footer(examplesHelp());  // last: a subcommand would take it over
+}
+
+void parse(CLI::App& app, const std::vector<std::string>& words, Session& session) {
+   if (!words.empty() && words[0] == completeCommand) {
+      for (const std::string& word : completions(app, {words.begin() + 1, words.end()}, session)) {
+         session.out << word << "\n";
+      }
+      return;
+   }
+   // The parser takes the words from the back.
+   app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+}
+
+void collectHelp(const CLI::App& app, const std::string& before, std::vector<std::string>& texts) {
+   texts.push_back(app.help(before));
+   for (const CLI::App* command : app.get_subcommands({})) {
+      collectHelp(*command, before + app.get_name() + " ", texts);
+   }
 }
 
 }  // namespace
 
-int runCommandLine(const std::vector<std::string>& words, std::optional<size_t> width,
-                   std::ostream& out, std::ostream& err) {
+int runCommandLine(const std::vector<std::string>& words, Session session, std::ostream& err) {
    auto complain = [&err](int status, const std::string& line) {
       err << "lldp: " << line << "\n";
       return status;
    };
-   Session session{out, width};
    CLI::App app;
    describe(app, session);
    try {
-      // The parser takes the words from the back.
-      app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
-      out.flush();
-      return out ? 0 : complain(failed, "cannot write the output");
+      parse(app, words, session);
+      session.out.flush();
+      return session.out ? 0 : complain(failed, "cannot write the output");
    } catch (const CLI::ParseError& error) {
-      if (error.get_exit_code() == 0) return app.exit(error, out, err);
+      if (error.get_exit_code() == 0) return app.exit(error, session.out, err);
       return complain(misused, Rex::printable(error.what()) + "; see lldp --help");
+   } catch (const Misuse& misuse) {
+      return complain(misused, misuse.what());
    } catch (const Json::exception& error) {
       return complain(failed, fmt::format("the agent's answer is not understood, which is of "
                                           "another version perhaps: {}",
@@ -87,6 +130,16 @@ int runCommandLine(const std::vector<std::string>& words, std::optional<size_t> 
    } catch (const Failure& failure) {
       return complain(failed, failure.what());
    }
+}
+
+std::vector<std::string> allHelp() {
+   std::ostringstream nowhere;
+   Session session{nowhere};
+   CLI::App app;
+   describe(app, session);
+   std::vector<std::string> texts;
+   collectHelp(app, "", texts);
+   return texts;
 }
 
 }  // namespace LldpCli

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "Rex/Printable.h"
@@ -12,6 +13,26 @@
 
 namespace LldpCli {
 namespace {
+
+// What a neighbour says: in the agent's entity, in the JSON for scripts, and the word that its
+// labels in a detailed text begin with.
+struct Item {
+   const char* attribute;
+   const char* name;
+   const char* label;
+};
+
+constexpr auto items = std::to_array<Item>({
+    {"portDesc", "portDescription", "Port description"},
+    {"sysName", "systemName", "System name"},
+    {"sysDesc", "systemDescription", "System description"},
+    {"systemCapabilities", "capabilities", "Capabilities"},
+    {"managementAddress", "managementAddresses", "Management address"},
+    {"unknownTlv", "unknownTlvs", "Unknown TLV"},
+    {"unknownOrgDefTlv", "unknownOrganizationTlvs", "Organization TLV"},
+    {"ttl", "ttl", "Time to live"},
+    {"ethAddr", "sourceMac", "Source MAC"},
+});
 
 void putText(Json& view, const char* name, const Json& tlv) {
    if (tlv.at("tlvReceived").get<bool>()) view[name] = text(tlv.at("tlvInfo"));
@@ -93,15 +114,13 @@ std::vector<Column> neighborColumns() {
 }
 
 std::vector<std::string> neighborRow(const Json& neighbor) {
-   std::string chassis = neighbor.at("chassis").at("id");
-   std::string name = textOf(neighbor, "systemName");
    std::string enabled;
    if (neighbor.contains("capabilities")) {
       enabled = listWords(neighbor.at("capabilities").at("enabled"));
    }
    return {neighbor.at("port"),
-           name.empty() ? chassis : name,
-           chassis,
+           neighborName(neighbor),
+           neighbor.at("chassis").at("id"),
            neighbor.at("portId").at("id"),
            textOf(neighbor, "portDescription"),
            fmt::format("{}/{}", secondsLeft(neighbor), neighbor.at("ttl").get<unsigned>()),
@@ -122,7 +141,7 @@ Fields neighborFields(const Json& neighbor) {
    addList(fields, "Management address", neighbor.at("managementAddresses"),
            managementAddressWords);
    addList(fields, "Unknown TLV", neighbor.at("unknownTlvs"), unknownTlvWords);
-   addList(fields, "Unknown organization TLV", neighbor.at("unknownOrganizationTlvs"),
+   addList(fields, "Organization TLV", neighbor.at("unknownOrganizationTlvs"),
            unknownOrganizationTlvWords);
    fields.emplace_back(
        "Time to live",
@@ -132,6 +151,37 @@ Fields neighborFields(const Json& neighbor) {
    addAge(fields, "Last refresh", neighbor, "sinceRefreshSeconds");
    addText(fields, "Source MAC", neighbor, "sourceMac");
    return fields;
+}
+
+std::string neighborName(const Json& neighbor) {
+   std::string name = textOf(neighbor, "systemName");
+   return name.empty() ? neighbor.at("chassis").at("id").get<std::string>() : name;
+}
+
+bool isOver(const Json& neighbor) {
+   return neighbor.contains("expiresInSeconds") && neighbor.at("expiresInSeconds") == 0;
+}
+
+std::string neighborItem(const std::string& attribute) {
+   for (const Item& item : items) {
+      if (attribute == item.attribute) return item.name;
+   }
+   return Rex::printable(attribute);
+}
+
+Fields changedFields(const Json& neighbor, const Json& names) {
+   Fields changed;
+   Fields all = neighborFields(neighbor);
+   for (const Json& name : names) {
+      auto item = std::ranges::find(items, name.get<std::string>(), &Item::name);
+      if (item == items.end()) continue;
+      size_t before = changed.size();
+      for (const auto& field : all) {
+         if (field.first.starts_with(item->label)) changed.push_back(field);
+      }
+      if (changed.size() == before) changed.emplace_back(item->label, "no longer sent");
+   }
+   return changed;
 }
 
 }  // namespace LldpCli

@@ -17,5 +17,15 @@ std::vector<Column> neighborColumns();
 std::vector<std::string> neighborRow(const Json& neighbor);
 // Everything it said, and when.
 Fields neighborFields(const Json& neighbor);
+// What it is called: its name, or else its chassis.
+std::string neighborName(const Json& neighbor);
+// Whether its time has run out.
+bool isOver(const Json& neighbor);
+
+// The name in the JSON for scripts of what an attribute of the agent's entity holds; for one that
+// is not in that JSON the attribute's own.
+std::string neighborItem(const std::string& attribute);
+// What it now says where one of those names has changed.
+Fields changedFields(const Json& neighbor, const Json& names);
 
 }  // namespace LldpCli

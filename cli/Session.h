@@ -1,9 +1,12 @@
-// What the options before and around a command gave it to work with.
+// What a command has to work with: what stands around the program, and the options before it.
 #pragma once
 
-#include <optional>
+#include <functional>
 #include <ostream>
 #include <string>
+
+#include "cli/Client.h"
+#include "cli/Terminal.h"
 
 namespace LldpCli {
 
@@ -11,7 +14,12 @@ inline constexpr const char* defaultSocket = "/run/lldp-agentd/api.sock";
 
 struct Session {
    std::ostream& out;
-   std::optional<size_t> width;  // columns of the terminal; none when the output goes elsewhere
+   Terminal terminal{};
+   Patience patience{};
+   std::function<double()> wallTime = [] { return 0.0; };  // seconds since 1970
+   // Who asks, and from where, for the agent's log.
+   std::string user = "unknown";
+   std::string line = "lldp";
    std::string socketPath = defaultSocket;
 };
 

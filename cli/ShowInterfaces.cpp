@@ -35,24 +35,26 @@ Json interfacesOf(Agent& agent) {
    return list;
 }
 
-void printTable(std::ostream& out, const Json& interfaces, std::optional<size_t> width) {
+void printTable(std::ostream& out, const Json& interfaces, const Terminal& terminal) {
    Table table({{"Port", Column::Kind::name}, {"Device"}, {"Link"}, {"MAC"}, {"LLDP"}});
    for (const Json& view : interfaces) {
-      table.add({view.at("port"), view.value("device", ""), view.at("link"), view.at("mac"),
-                 adminStatusWords(view.value("adminStatus", ""))});
+      std::string link = view.at("link");
+      table.add({view.at("port"), view.value("device", ""), link, view.at("mac"),
+                 adminStatusWords(view.value("adminStatus", ""))},
+                link == "down" ? Style::bad : Style::plain);
    }
-   table.print(out, width);
+   table.print(out, terminal);
 }
 
 void run(bool json, Session& session) {
-   Agent agent(session.socketPath);
+   Agent agent(session);
    Json interfaces = interfacesOf(agent);
    if (json) {
       session.out << Json{{"interfaces", interfaces}}.dump(2) << "\n";
    } else if (interfaces.empty()) {
       session.out << "no interfaces\n";
    } else {
-      printTable(session.out, interfaces, session.width);
+      printTable(session.out, interfaces, session.terminal);
    }
 }
 

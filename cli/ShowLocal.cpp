@@ -67,7 +67,7 @@ std::string seconds(const Json& timers, const char* name) {
    return fmt::format("{} s", timers.at(name).get<unsigned>());
 }
 
-void printText(std::ostream& out, const Json& view, std::optional<size_t> width) {
+void printText(std::ostream& out, const Json& view, const Terminal& terminal) {
    const Json& timers = view.at("timers");
    bool named = view.contains("chassis");
    Fields fields{{"Chassis ID", named ? identifierWords(view.at("chassis")) : ""},
@@ -91,18 +91,18 @@ void printText(std::ostream& out, const Json& view, std::optional<size_t> width)
                  adminStatusWords(port.value("adminStatus", ""))});
    }
    out << "\n";
-   table.print(out, width);
+   table.print(out, terminal);
 }
 
 void run(const Options& options, Session& session) {
-   Agent agent(session.socketPath);
+   Agent agent(session);
    Json system = agent.entity("l2discovery/lldp/localSystem", 1);
    Json view = localView(system, agent.entity("l2discovery/lldp/config", 1),
-                         Agent::portsIn(system, "localPort", options.port));
+                         Agent::portsIn(system.at("localPort"), options.port));
    if (options.json) {
       session.out << Json{{"local", view}}.dump(2) << "\n";
    } else {
-      printText(session.out, view, session.width);
+      printText(session.out, view, session.terminal);
    }
 }
 

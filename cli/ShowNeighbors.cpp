@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "Rex/Printable.h"
 #include "cli/Agent.h"
 #include "cli/Neighbor.h"
 
@@ -29,34 +30,39 @@ Json neighborsOf(const Ports& ports, double now) {
    return list;
 }
 
-void printTable(std::ostream& out, const Json& neighbors, std::optional<size_t> width) {
+void printTable(std::ostream& out, const Json& neighbors, const Terminal& terminal) {
    Table table(neighborColumns());
-   for (const Json& neighbor : neighbors) table.add(neighborRow(neighbor));
-   table.print(out, width);
+   for (const Json& neighbor : neighbors) {
+      table.add(neighborRow(neighbor), isOver(neighbor) ? Style::faint : Style::plain);
+   }
+   table.print(out, terminal);
 }
 
-void printDetail(std::ostream& out, const Json& neighbors) {
+void printDetail(std::ostream& out, const Json& neighbors, const Terminal& terminal) {
    const char* between = "";
    for (const Json& neighbor : neighbors) {
-      out << between << neighbor.at("port").get<std::string>() << ", neighbor "
-          << neighbor.at("index").get<int>() << "\n";
+      std::string title = fmt::format("{}, neighbor {}", neighbor.at("port").get<std::string>(),
+                                      neighbor.at("index").get<int>());
+      out << between << styled(title, Style::heading, terminal) << "\n";
       printFields(out, neighborFields(neighbor), "  ");
       between = "\n";
    }
 }
 
 void run(const Options& options, Session& session) {
-   Agent agent(session.socketPath);
+   Agent agent(session);
    Json neighbors =
        neighborsOf(agent.ports(agent.statusPath(), "portStatus", options.port), agent.now());
    if (options.json) {
       session.out << Json{{"neighbors", neighbors}}.dump(2) << "\n";
    } else if (neighbors.empty()) {
-      session.out << (options.port ? "no neighbors on " + *options.port : "no neighbors") << "\n";
+      session.out << (options.port ? "no neighbors on " + Rex::printable(*options.port)
+                                   : "no neighbors")
+                  << "\n";
    } else if (options.detail) {
-      printDetail(session.out, neighbors);
+      printDetail(session.out, neighbors, session.terminal);
    } else {
-      printTable(session.out, neighbors, session.width);
+      printTable(session.out, neighbors, session.terminal);
    }
 }
 

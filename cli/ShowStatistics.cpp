@@ -93,7 +93,7 @@ void printPort(std::ostream& out, const Json& port) {
    printFields(out, fields, "  ");
 }
 
-void printAll(std::ostream& out, const Json& view, std::optional<size_t> width) {
+void printAll(std::ostream& out, const Json& view, const Terminal& terminal) {
    Fields fields = counterFields(view.at("table"), tableCounters);
    addAge(fields, "Last change", view.at("table"), "sinceChangeSeconds");
    printFields(out, fields);
@@ -110,21 +110,21 @@ void printAll(std::ostream& out, const Json& view, std::optional<size_t> width) 
       table.add(row);
    }
    out << "\n";
-   table.print(out, width);
+   table.print(out, terminal);
 }
 
 void run(const Options& options, Session& session) {
-   Agent agent(session.socketPath);
+   Agent agent(session);
    // The ports' counters, and of the neighbors how many there are.
    Json status = agent.entity(agent.statusPath(), 1);
    Json view =
-       statisticsView(status, Agent::portsIn(status, "portStatus", options.port), agent.now());
+       statisticsView(status, Agent::portsIn(status.at("portStatus"), options.port), agent.now());
    if (options.json) {
       session.out << Json{{"statistics", view}}.dump(2) << "\n";
    } else if (options.port) {
       printPort(session.out, view.at("ports").at(0));
    } else {
-      printAll(session.out, view, session.width);
+      printAll(session.out, view, session.terminal);
    }
 }
 

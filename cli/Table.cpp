@@ -30,7 +30,7 @@ std::vector<size_t> Table::widths(std::optional<size_t> width) const {
    for (const Column& column : columns_) wide.push_back(displayWidth(column.title));
    for (const auto& row : rows_) {
       for (size_t i = 0; i < wide.size(); ++i) {
-         wide[i] = std::max(wide[i], displayWidth(shown(row[i])));
+         wide[i] = std::max(wide[i], displayWidth(shown(row.cells[i])));
       }
    }
    if (!width) return wide;
@@ -49,11 +49,11 @@ std::vector<size_t> Table::widths(std::optional<size_t> width) const {
    return wide;
 }
 
-std::string Table::line(const std::vector<std::string>& row,
+std::string Table::line(const std::vector<std::string>& cells,
                         const std::vector<size_t>& widths) const {
    std::string out;
-   for (size_t i = 0; i < row.size(); ++i) {
-      std::string cell = cut(shown(row[i]), widths[i]);
+   for (size_t i = 0; i < cells.size(); ++i) {
+      std::string cell = cut(shown(cells[i]), widths[i]);
       std::string fill(widths[i] - displayWidth(cell), ' ');
       if (i > 0) out.append(gap, ' ');
       out += columns_[i].kind == Column::Kind::number ? fill + cell : cell + fill;
@@ -62,12 +62,14 @@ std::string Table::line(const std::vector<std::string>& row,
    return out;
 }
 
-void Table::print(std::ostream& out, std::optional<size_t> width) const {
-   std::vector<size_t> wide = widths(width);
+void Table::print(std::ostream& out, const Terminal& terminal) const {
+   std::vector<size_t> wide = widths(terminal.width);
    std::vector<std::string> titles;
    for (const Column& column : columns_) titles.push_back(column.title);
-   out << line(titles, wide) << "\n";
-   for (const auto& row : rows_) out << line(row, wide) << "\n";
+   out << styled(line(titles, wide), Style::heading, terminal) << "\n";
+   for (const Row& row : rows_) {
+      out << styled(line(row.cells, wide), row.style, terminal) << "\n";
+   }
 }
 
 void printFields(std::ostream& out, const Fields& fields, const std::string& indent) {

@@ -1,11 +1,12 @@
 // Text in columns.
 #pragma once
 
-#include <optional>
 #include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "cli/Terminal.h"
 
 namespace LldpCli {
 
@@ -20,17 +21,23 @@ class Table {
    explicit Table(std::vector<Column> columns) : columns_(std::move(columns)) {}
 
    // One cell for each column; an empty one is shown as a dash.
-   void add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
-   // With a width, columns are cut until a line fits into it: long texts first, names last, and
-   // the widest of its kind before another. Without, nothing is cut.
-   void print(std::ostream& out, std::optional<size_t> width) const;
+   void add(std::vector<std::string> row, Style style = Style::plain) {
+      rows_.push_back({std::move(row), style});
+   }
+   // On a terminal, columns are cut until a line fits into it: long texts first, names last, and
+   // the widest of its kind before another. Elsewhere nothing is cut.
+   void print(std::ostream& out, const Terminal& terminal) const;
 
  private:
+   struct Row {
+      std::vector<std::string> cells;
+      Style style;
+   };
    std::vector<size_t> widths(std::optional<size_t> width) const;
-   std::string line(const std::vector<std::string>& row, const std::vector<size_t>& widths) const;
+   std::string line(const std::vector<std::string>& cells, const std::vector<size_t>& widths) const;
 
    std::vector<Column> columns_;
-   std::vector<std::vector<std::string>> rows_;
+   std::vector<Row> rows_;
 };
 
 // One labelled value a line, the values one below the other.

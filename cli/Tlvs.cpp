@@ -42,6 +42,42 @@ constexpr auto capabilityNames =
                                 "DOCSIS", "Station", "C-VLAN", "S-VLAN", "TPMR"});
 constexpr size_t capabilityBits = 16;
 
+struct OrganizationTlv {
+   unsigned oui;
+   unsigned subtype;
+   const char* words;
+};
+
+constexpr unsigned ieee8021 = 0x0080C2;  // IEEE Std 802.1Q, Annex D
+constexpr unsigned ieee8023 = 0x00120F;  // IEEE Std 802.3, 79.3
+constexpr unsigned tia = 0x0012BB;       // ANSI/TIA-1057, clause 10
+
+constexpr auto organizationTlvs = std::to_array<OrganizationTlv>({
+    {ieee8021, 1, "Port VLAN ID"},
+    {ieee8021, 2, "Port and Protocol VLAN ID"},
+    {ieee8021, 3, "VLAN Name"},
+    {ieee8021, 4, "Protocol Identity"},
+    {ieee8021, 5, "VID Usage Digest"},
+    {ieee8021, 6, "Management VID"},
+    {ieee8021, 7, "Link Aggregation"},
+    {ieee8023, 1, "MAC/PHY Configuration/Status"},
+    {ieee8023, 2, "Power via MDI"},
+    {ieee8023, 3, "Link Aggregation"},
+    {ieee8023, 4, "Maximum Frame Size"},
+    {ieee8023, 5, "Energy-Efficient Ethernet"},
+    {tia, 1, "LLDP-MED Capabilities"},
+    {tia, 2, "Network Policy"},
+    {tia, 3, "Location Identification"},
+    {tia, 4, "Extended Power via MDI"},
+    {tia, 5, "Hardware Revision"},
+    {tia, 6, "Firmware Revision"},
+    {tia, 7, "Software Revision"},
+    {tia, 8, "Serial Number"},
+    {tia, 9, "Manufacturer Name"},
+    {tia, 10, "Model Name"},
+    {tia, 11, "Asset ID"},
+});
+
 template <size_t n>
 std::string wordsOf(const std::array<Words, n>& table, const std::string& name) {
    for (const Words& entry : table) {
@@ -143,16 +179,22 @@ std::string unknownTlvWords(const Json& tlv) {
 Json unknownOrganizationTlv(const Json& from) {
    const Json& key = from.at("key");
    auto oui = key.at("oui").at("value").get<unsigned>();
-   return {
+   Json made{
        {"oui", fmt::format("{:02x}-{:02x}-{:02x}", oui >> 16 & 0xFF, oui >> 8 & 0xFF, oui & 0xFF)},
        {"subtype", key.at("subtype").get<unsigned>()},
        {"index", key.at("index").get<unsigned>()},
        {"value", hex(octets(from.at("orgDefInfo")))}};
+   for (const OrganizationTlv& known : organizationTlvs) {
+      if (known.oui == oui && known.subtype == made.at("subtype")) made["name"] = known.words;
+   }
+   return made;
 }
 
 std::string unknownOrganizationTlvWords(const Json& tlv) {
-   return fmt::format("{} subtype {}: {}", tlv.at("oui").get<std::string>(),
-                      tlv.at("subtype").get<unsigned>(), tlv.at("value").get<std::string>());
+   std::string name = tlv.value("name", std::string());
+   return fmt::format("{} subtype {}{}: {}", tlv.at("oui").get<std::string>(),
+                      tlv.at("subtype").get<unsigned>(), name.empty() ? "" : " (" + name + ")",
+                      tlv.at("value").get<std::string>());
 }
 
 }  // namespace LldpCli

@@ -27,8 +27,8 @@ std::string managementAddressWords(const Json& address);
 // {"type": 10, "value": "0a0b"}
 Json unknownTlv(const Json& from);
 std::string unknownTlvWords(const Json& tlv);
-// {"oui": "00-80-c2", "subtype": 1, "index": 1, "value": "0001"}; the index tells those of one
-// organisation and subtype apart.
+// {"oui": "00-80-c2", "subtype": 1, "index": 1, "value": "0001", "name": "Port VLAN ID"}; the
+// index tells those of one organisation and subtype apart, the name is left out when not known.
 Json unknownOrganizationTlv(const Json& from);
 std::string unknownOrganizationTlvWords(const Json& tlv);
 

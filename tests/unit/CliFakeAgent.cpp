@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -13,6 +14,7 @@
 
 CliFakeAgent::CliFakeAgent(double now) : folder_(testing::TempDir() + "cliXXXXXX") {
    EXPECT_TRUE(mkdtemp(folder_.data()));
+   EXPECT_EQ(chmod(folder_.c_str(), 0755), 0);
    socketPath_ = folder_ + "/api.sock";
    answer("/v1/agent", "200 OK", fmt::format(R"({{"cell": 1, "time": {}}})", now));
 }
@@ -24,6 +26,7 @@ CliFakeAgent::~CliFakeAgent() {
       close(listener_);
    }
    unlink(socketPath_.c_str());
+   unlink(listening_.c_str());
    rmdir(folder_.c_str());
 }
 
@@ -42,19 +45,44 @@ void CliFakeAgent::serve(const std::string& path, const Rex::Entity& entity) {
    }
 }
 
-void CliFakeAgent::answer(const std::string& target, const std::string& status,
-                          const std::string& body) {
-   answers_[target] =
-       fmt::format("HTTP/1.1 {}\r\nContent-Length: {}\r\n\r\n{}", status, body.size(), body);
+namespace {
+
+std::string answerText(const std::string& status, const std::string& body,
+                       const std::string& heads) {
+   return fmt::format("HTTP/1.1 {}\r\nContent-Length: {}\r\n{}\r\n{}", status, body.size(), heads,
+                      body);
 }
 
-void CliFakeAgent::start() {
+}  // namespace
+
+void CliFakeAgent::answer(const std::string& target, const std::string& status,
+                          const std::string& body, const std::string& heads) {
+   answers_[target] = answerText(status, body, heads);
+}
+
+void CliFakeAgent::answerOnce(const std::string& target, const std::string& status,
+                              const std::string& body, const std::string& heads) {
+   first_[target] = answerText(status, body, heads);
+}
+
+void CliFakeAgent::stream(const std::string& target, const std::string& octets) {
+   answers_[target] = "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\n\r\n" + octets;
+}
+
+std::vector<std::string> CliFakeAgent::requests() {
+   std::lock_guard lock(mutex_);
+   return requests_;
+}
+
+void CliFakeAgent::start(const std::string& name) {
    sockaddr_un address{};
    address.sun_family = AF_UNIX;
-   ASSERT_LT(socketPath_.size(), sizeof(address.sun_path));
-   std::copy(socketPath_.begin(), socketPath_.end(), address.sun_path);
+   listening_ = folder_ + "/" + name;
+   ASSERT_LT(listening_.size(), sizeof(address.sun_path));
+   std::copy(listening_.begin(), listening_.end(), address.sun_path);
    listener_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
    ASSERT_EQ(bind(listener_, reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
+   ASSERT_EQ(chmod(listening_.c_str(), 0666), 0);
    ASSERT_EQ(listen(listener_, 5), 0);
    thread_ = std::thread([this] { run(); });
 }
@@ -71,17 +99,30 @@ void CliFakeAgent::converse(int connection) {
    char octets[4096];
    for (ssize_t got = 0; (got = recv(connection, octets, sizeof(octets), 0)) > 0;) {
       request.append(octets, static_cast<size_t>(got));
-      if (request.find("\r\n\r\n") == std::string::npos) continue;
+      size_t head = request.find("\r\n\r\n");
+      if (head == std::string::npos) continue;
+      size_t length = request.find("Content-Length: ");
+      size_t body = length < head ? std::stoul(request.substr(length + 16)) : 0;
+      if (request.size() < head + 4 + body) continue;
       std::string reply = always_.empty() ? replyTo(request) : always_;
       send(connection, reply.data(), reply.size(), MSG_NOSIGNAL);
-      if (!always_.empty()) return;
+      bool ends = !always_.empty() || reply.find("event-stream") != std::string::npos;
+      if (ends) return;
       request.clear();
    }
 }
 
-std::string CliFakeAgent::replyTo(const std::string& request) const {
-   size_t begin = request.find(' ') + 1;
-   auto found = answers_.find(request.substr(begin, request.find(' ', begin) - begin));
+std::string CliFakeAgent::replyTo(const std::string& request) {
+   std::string asked = request.substr(0, request.find(" HTTP/"));
+   std::string body = request.substr(request.find("\r\n\r\n") + 4);
+   {
+      std::lock_guard lock(mutex_);
+      requests_.push_back(body.empty() ? asked : asked + " " + body);
+   }
+   if (asked.starts_with("GET ")) asked.erase(0, 4);
+   auto first = first_.find(asked);
+   if (first != first_.end()) return first_.extract(first).mapped();
+   auto found = answers_.find(asked);
    if (found != answers_.end()) return found->second;
    return "HTTP/1.1 404 Not Found\r\nContent-Length: 13\r\n\r\n{\"error\": {}}";
 }

@@ -93,7 +93,7 @@ TEST(CliText, DisplayWidth) {
 
 std::vector<std::string> printed(const Table& table, std::optional<size_t> width) {
    std::ostringstream out;
-   table.print(out, width);
+   table.print(out, {width});
    std::vector<std::string> lines;
    std::string line;
    for (std::istringstream in(out.str()); std::getline(in, line);) lines.push_back(line);

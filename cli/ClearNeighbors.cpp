@@ -1,0 +1,37 @@
+#include "cli/ClearNeighbors.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+
+#include "cli/Agent.h"
+
+namespace LldpCli {
+namespace {
+
+size_t countNeighbors(Agent& agent) {
+   size_t count = 0;
+   Json status = agent.entity(agent.statusPath(), 1);
+   for (const Json& port : status.at("portStatus")) count += port.at("remoteSystem").size();
+   return count;
+}
+
+// A request clears what stands when it comes, before it is answered.
+void run(Session& session) {
+   Agent agent(session);
+   size_t count = countNeighbors(agent);
+   agent.client().change("PATCH", "/v1/entity/l2discovery/lldp/remTablesCliConfig",
+                         {{"remTablesClearRequest",
+                           {{"requesterName", session.user}, {"requesterLine", session.line}}}});
+   session.out << fmt::format("{} neighbor{} cleared\n", count, count == 1 ? "" : "s");
+}
+
+}  // namespace
+
+void addClearNeighbors(CLI::App& clear, Session& session) {
+   CLI::App* command = clear.add_subcommand("neighbors", "forgets all neighbors until they speak");
+   command->fallthrough();
+   command->callback([&session] { run(session); });
+}
+
+}  // namespace LldpCli

@@ -1,0 +1,120 @@
+#include "cli/Set.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+
+#include "cli/Agent.h"
+#include "cli/Failure.h"
+#include "cli/Help.h"
+#include "cli/SettingWords.h"
+
+namespace LldpCli {
+namespace {
+
+using Words = std::vector<std::string>;
+
+// The changes of one call, and the words that each came from.
+struct Changes {
+   Json list = Json::array();
+   Words words;
+
+   void add(const Typed& typed, Json change) {
+      list.push_back(std::move(change));
+      words.push_back(typed.words);
+   }
+};
+
+// A port's settings stand in a row of their own: collection, port, attribute.
+struct PortPlace {
+   std::string collection;
+   std::string attribute;
+
+   explicit PortPlace(const Setting& setting) {
+      size_t slot = setting.attribute.find(Setting::ports);
+      collection = setting.attribute.substr(0, slot - 1);
+      attribute = setting.attribute.substr(slot + Setting::ports.size() + 1);
+   }
+   std::string row(const std::string& port) const {
+      return fmt::format("{}/{}/{}", configPath, collection, Client::step(port));
+   }
+};
+
+void addSetting(Changes& changes, const Typed& typed) {
+   const Setting& setting = *typed.setting;
+   if (!setting.ofPorts()) {
+      changes.add(typed, {{"method", "PATCH"},
+                          {"path", configPath},
+                          {"body", {{std::string(setting.attribute), typed.value}}}});
+   }
+   for (const std::string& port : typed.ports) {
+      PortPlace place(setting);
+      changes.add(typed, {{"method", "PUT"},
+                          {"path", place.row(port)},
+                          {"body", {{place.attribute, typed.value}}}});
+   }
+}
+
+// A port without a row has the defaults already.
+void addUnsetting(Changes& changes, const Typed& typed, Client& client) {
+   const Setting& setting = *typed.setting;
+   if (!setting.ofPorts()) {
+      changes.add(typed, {{"method", "DELETE"},
+                          {"path", fmt::format("{}/{}", configPath, setting.attribute)}});
+   }
+   for (const std::string& port : typed.ports) {
+      PortPlace place(setting);
+      std::string row = place.row(port);
+      if (!client.find("/v1/entity/" + row)) continue;
+      changes.add(typed,
+                  {{"method", "DELETE"}, {"path", fmt::format("{}/{}", row, place.attribute)}});
+   }
+}
+
+void apply(Client& client, const Changes& changes) {
+   if (changes.list.empty()) return;
+   try {
+      client.change("POST", "/v1/changes", {{"changes", changes.list}});
+   } catch (const Refused& refused) {
+      if (!refused.change() || *refused.change() >= changes.words.size()) throw;
+      throw Failure(fmt::format("'{}': {}; nothing was changed", changes.words[*refused.change()],
+                                refused.what()));
+   }
+}
+
+void runSet(const Words& words, Session& session) {
+   Changes changes;
+   for (const Typed& typed : readSettings(words, true)) addSetting(changes, typed);
+   Client client(session.socketPath, session.patience);
+   apply(client, changes);
+}
+
+void runUnset(const Words& words, Session& session) {
+   std::vector<Typed> settings = readSettings(words, false);
+   Client client(session.socketPath, session.patience);
+   Changes changes;
+   for (const Typed& typed : settings) addUnsetting(changes, typed, client);
+   apply(client, changes);
+}
+
+void add(CLI::App& app, Session& session, const char* name, const char* description,
+         void (*run)(const Words&, Session&)) {
+   auto words = std::make_shared<Words>();
+   CLI::App* command = app.add_subcommand(name, description);
+   command->fallthrough();
+   command->add_option("SETTING", *words, "one setting after another, as below")->expected(-1);
+   command->footer(settingsHelp(run == runSet));
+   command->callback([words, run, &session] { run(*words, session); });
+}
+
+}  // namespace
+
+void addSet(CLI::App& app, Session& session) {
+   add(app, session, "set", "changes settings, all of a call or none", runSet);
+}
+
+void addUnset(CLI::App& app, Session& session) {
+   add(app, session, "unset", "gives settings their defaults back", runUnset);
+}
+
+}  // namespace LldpCli
