@@ -32,6 +32,11 @@ struct LocalPortPoeInfo : Rex::Entity {
    REX_ATTRIBUTE(RemoteSystem::PtrConst, remoteSystem)
    REX_ATTRIBUTE(Environment::Power::PoePortStatus::PortStatus, poePortStatus)
    REX_ENTITY_END()
+
+   // Whether a full Power via MDI TLV can be built now: the power agent has reported on the port.
+   bool readyToSendTlv() const {
+      return poePortStatus().state != Environment::Power::poePortUnknown;
+   }
 };
 
 struct LocalPort : Rex::Entity {

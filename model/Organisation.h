@@ -1,5 +1,5 @@
 // Values of the organisations' TLVs: IEEE 802.1 (IEEE Std 802.1Q, Annex D), IEEE 802.3 (IEEE Std
-// 802.3, Clause 79) and LLDP-MED (ANSI/TIA-1057).
+// 802.3, Clause 79) and LLDP-MED (ANSI/TIA-1057); locations stand in model/LocationId.h.
 #pragma once
 
 #include <boost/describe.hpp>
@@ -83,21 +83,21 @@ struct MacPhyConfigStatusInfo {
 BOOST_DESCRIBE_STRUCT(MacPhyConfigStatusInfo, (),
                       (autoNegSupported, autoNegEnabled, advertisedCapability, operMauType))
 
-// The facts of a Power via MDI TLV that the agent acts on; powers in tenths of a watt.
+// Power via MDI (79.3.2); powers in tenths of a watt.
 struct PowerViaMdiInfo {
-   uint8_t tlvFormat = 0;  // 0 the short form, 1 with type, source, priority and powers
-   uint8_t mdiPowerSupport = 0;
-   uint8_t psePowerPair = 0;
-   uint8_t powerClass = 0;
-   uint8_t powerType = 0;
-   uint8_t powerSource = 0;
-   uint8_t powerPriority = 0;
+   uint32_t tlvFormat = 0;       // 0 the short form, 1 with type, source, priority and powers
+   uint32_t powerType = 0;       // 0 type 2 PSE, 1 type 2 PD, 2 type 1 PSE, 3 type 1 PD
+   uint8_t mdiPowerSupport = 0;  // 0x01 PSE, 0x02 supported, 0x04 enabled, 0x08 pairs control
+   uint8_t psePowerPair = 0;     // 1 signal, 2 spare
+   uint8_t powerClass = 0;       // the class plus 1
+   uint8_t powerSource = 0;      // PSE: 1 primary, 2 backup; PD: 1 PSE, 2 local, 3 both
+   uint8_t powerPriority = 0;    // 1 critical, 2 high, 3 low
    uint16_t pdRequestedPower = 0;
    uint16_t pseAllocatedPower = 0;
    bool operator==(const PowerViaMdiInfo&) const = default;
 };
 BOOST_DESCRIBE_STRUCT(PowerViaMdiInfo, (),
-                      (tlvFormat, mdiPowerSupport, psePowerPair, powerClass, powerType, powerSource,
+                      (tlvFormat, powerType, mdiPowerSupport, psePowerPair, powerClass, powerSource,
                        powerPriority, pdRequestedPower, pseAllocatedPower))
 
 struct MedCapabilitiesInfo {
@@ -120,14 +120,5 @@ struct NetworkPolicyTlv {
    bool operator==(const NetworkPolicyTlv&) const = default;
 };
 BOOST_DESCRIBE_STRUCT(NetworkPolicyTlv, (), (appType, unknown, tagged, vlanId, l2Priority, dscp))
-
-// Location identification: each format's octets as they came.
-struct LocationId {
-   BoundedString255 coordinateLci;
-   BoundedString255 civicAddressLci;
-   BoundedString255 elin;
-   bool operator==(const LocationId&) const = default;
-};
-BOOST_DESCRIBE_STRUCT(LocationId, (), (coordinateLci, civicAddressLci, elin))
 
 }  // namespace Lldp

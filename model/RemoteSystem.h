@@ -5,6 +5,7 @@
 #include "Wirekit/EthAddr.h"
 #include "model/Basic.h"
 #include "model/Identifiers.h"
+#include "model/LocationId.h"
 #include "model/Organisation.h"
 
 namespace Lldp {

@@ -2,6 +2,10 @@
 
 #include <algorithm>
 
+#include "Lldp/LldpExtCee.h"
+#include "Lldp/LldpExtDot1.h"
+#include "Lldp/LldpExtDot3.h"
+#include "Lldp/LldpMed/LldpMed.h"
 #include "Lldp/LldpProtocol/Oid.h"
 #include "Lldp/LldpProtocol/Trace.h"
 
@@ -14,24 +18,25 @@ BoundedString255Tlv textTlv(int infoLen, const char* info) {
    return BoundedString255Tlv::create(BoundedString255(info, static_cast<size_t>(length)));
 }
 
-// Each organisation's parser is called in its place here. None has come yet, and so every
-// organisation's TLVs are kept unread.
-TlvParseResult parseKnownOrganisation(Oui oui) {
+// What lies behind the subtype, by its organisation's parser.
+TlvParseResult parseKnownOrganisation(Oui oui, int subtype, int orgDefInfoLen,
+                                      const char* orgDefInfo, const RemoteSystem::Ptr& remoteSystem,
+                                      const PortStatus::Ptr& portStatus) {
    if (oui == dot1Oui) {
       TRACE(codecTrace, 8, "802.1 TLV");
-      return TlvParseResultUnrecognized;
+      return parseExtDot1Tlv(subtype, orgDefInfoLen, orgDefInfo, remoteSystem);
    }
    if (oui == ceeOui) {
       TRACE(codecTrace, 8, "Cee TLV");
-      return TlvParseResultUnrecognized;
+      return parseExtCeeTlv(subtype, orgDefInfoLen, orgDefInfo, portStatus);
    }
    if (oui == dot3Oui) {
       TRACE(codecTrace, 8, "802.3 TLV");
-      return TlvParseResultUnrecognized;
+      return parseExtDot3Tlv(subtype, orgDefInfoLen, orgDefInfo, remoteSystem);
    }
    if (oui == tiaOui) {
       TRACE(codecTrace, 8, "TIA TLV");
-      return TlvParseResultUnrecognized;
+      return LldpMed::parseTlv(subtype, orgDefInfoLen, orgDefInfo, remoteSystem);
    }
    TRACE(codecTrace, 8, "Unknown OUI");
    return TlvParseResultUnrecognized;
@@ -39,6 +44,7 @@ TlvParseResult parseKnownOrganisation(Oui oui) {
 
 TlvParseResult parseOptionalTlv(int type, int infoLen, const char* info,
                                 const RemoteSystem::Ptr& remoteSystem,
+                                const PortStatus::Ptr& portStatus,
                                 const UnknownOrgDefTlvParseContext::Ptr& parseContext) {
    switch (type) {
       case tlvEnd:
@@ -72,7 +78,8 @@ TlvParseResult parseOptionalTlv(int type, int infoLen, const char* info,
       case tlvManagementAddress:
          return parseManagementAddressTlv(infoLen, info, remoteSystem);
       case tlvOrganizationallySpecific:
-         return parseOrganizationallySpecificTlv(infoLen, info, remoteSystem, parseContext);
+         return parseOrganizationallySpecificTlv(infoLen, info, remoteSystem, portStatus,
+                                                 parseContext);
       default: {
          UnknownTlv tlv{static_cast<uint32_t>(type),
                         BoundedString511(info, static_cast<size_t>(infoLen))};
@@ -99,7 +106,8 @@ bool parseOptionalTlvs(const char* cursor, const char* end, const RemoteSystem::
          *frameError = true;
          return true;
       }
-      TlvParseResult result = parseOptionalTlv(type, infoLen, info, remoteSystem, parseContext);
+      TlvParseResult result =
+          parseOptionalTlv(type, infoLen, info, remoteSystem, portStatus, parseContext);
       TRACE(codecTrace, 8, "Parsed TLV: result=" << static_cast<int>(result));
       switch (result) {
          case TlvParseResultEnd:
@@ -199,7 +207,7 @@ TlvParseResult parseManagementAddressTlv(int infoLen, const char* info,
 
 TlvParseResult parseOrganizationallySpecificTlv(
     int infoLen, const char* info, const RemoteSystem::Ptr& remoteSystem,
-    const UnknownOrgDefTlvParseContext::Ptr& parseContext) {
+    const PortStatus::Ptr& portStatus, const UnknownOrgDefTlvParseContext::Ptr& parseContext) {
    if (infoLen < orgDefHeaderLen) {
       TRACE(codecTrace, 0,
             "Error: Organizationally Specific TLV is too short (infoLen=" << infoLen << ")");
@@ -213,14 +221,16 @@ TlvParseResult parseOrganizationallySpecificTlv(
             "Error: Organizationally Specific TLV has invalid subtype of 0 (oui=" << oui << ")");
       return TlvParseResultError;
    }
-   TlvParseResult result = parseKnownOrganisation(oui);
+   const char* orgDefInfo = info + orgDefHeaderLen;
+   int orgDefInfoLen = infoLen - orgDefHeaderLen;
+   TlvParseResult result = parseKnownOrganisation(oui, static_cast<int>(subtype), orgDefInfoLen,
+                                                  orgDefInfo, remoteSystem, portStatus);
    if (result != TlvParseResultUnrecognized) return result;
 
    auto counter = parseContext->counterIs({oui, subtype});
    uint32_t index = counter->countInc(1);
-   UnknownOrgDefTlv tlv{
-       {oui, subtype, index},
-       BoundedString507(info + orgDefHeaderLen, static_cast<size_t>(infoLen - orgDefHeaderLen))};
+   UnknownOrgDefTlv tlv{{oui, subtype, index},
+                        BoundedString507(orgDefInfo, static_cast<size_t>(orgDefInfoLen))};
    TRACE(codecTrace, 6, "Unknown Organizationally Specific TLV: " << tlv);
    remoteSystem->unknownOrgDefTlvIs(tlv);
    return TlvParseResultUnrecognized;

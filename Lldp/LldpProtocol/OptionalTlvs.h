@@ -21,10 +21,11 @@ TlvParseResult parseSystemCapabilitiesTlv(int infoLen, const char* info,
 TlvParseResult parseManagementAddressTlv(int infoLen, const char* info,
                                          const RemoteSystem::Ptr& remoteSystem);
 
-// Organizationally Specific (8.6.1): OUI (3), subtype (1), the organisation's own information. What
-// no parser knows is kept unread, numbered by `parseContext` in the order of the frame.
+// Organizationally Specific (8.6.1): OUI (3), subtype (1), the organisation's own information, for
+// the organisation's parser. What none knows is kept unread, numbered by `parseContext` in the
+// order of the frame.
 TlvParseResult parseOrganizationallySpecificTlv(
     int infoLen, const char* info, const RemoteSystem::Ptr& remoteSystem,
-    const UnknownOrgDefTlvParseContext::Ptr& parseContext);
+    const PortStatus::Ptr& portStatus, const UnknownOrgDefTlvParseContext::Ptr& parseContext);
 
 }  // namespace Lldp::Agent

@@ -3,6 +3,9 @@
 #include <array>
 #include <cstring>
 
+#include "Lldp/LldpExtDot1.h"
+#include "Lldp/LldpExtDot3.h"
+#include "Lldp/LldpMed/LldpMed.h"
 #include "Lldp/LldpProtocol/Oid.h"
 #include "Lldp/LldpProtocol/Tlv.h"
 #include "Lldp/LldpProtocol/Trace.h"
@@ -177,11 +180,22 @@ char* buildTxLldpdu(char* begin, char* end, Rex::Ptr<const Protocol::Root> root,
       insufficientSpace = true;
    }
 
-   // The groups of organisation TLVs, each composed in place: IEEE 802.1, IEEE 802.3 and TIA come
-   // in front of the external ones. A group that lost a TLV does not stop the next one, of which a
-   // smaller TLV may still fit.
+   // The groups of organisation TLVs, each composed in place. A group that lost a TLV does not stop
+   // the next one, of which a smaller TLV may still fit.
    infoBuf = info.data();
    char* orgDefInfo = infoBuf + orgDefHeaderLen;
+   if (!addExtDot1Tlvs(&cursor, usableEnd, localPort, portConfig, orgDefInfo)) {
+      insufficientSpace = true;
+      TRACE(codecTrace, 8, "Not enough space for one or more IEEE 802.1 TLVs");
+   }
+   if (!addExtDot3Tlvs(&cursor, usableEnd, localPort, portConfig, orgDefInfo, portStatus)) {
+      insufficientSpace = true;
+      TRACE(codecTrace, 8, "Not enough space for one or more IEEE 802.3 TLVs");
+   }
+   if (!LldpMed::addTlvs(&cursor, usableEnd, localPort, portConfig, orgDefInfo, portStatus)) {
+      insufficientSpace = true;
+      TRACE(codecTrace, 8, "Not enough space for one or more TIA TLVs");
+   }
    if (!addExternalTlvs(&cursor, usableEnd, localPort, orgDefInfo, portStatus)) {
       insufficientSpace = true;
       TRACE(codecTrace, 8, "Not enough space for one or more external TLVs");

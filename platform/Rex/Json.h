@@ -6,6 +6,7 @@
 // - A type with `stringValue()` and `static bool fromText(std::string_view, T&)` is that string.
 // - A bounded number is that number.
 // - Infinite times are null.
+// - A list is an array.
 #pragma once
 
 #include <concepts>
@@ -76,6 +77,10 @@ Json toJson(const T& value) {
    } else if constexpr (DescribedEnum<T>) {
       const char* name = enumeratorName(value);
       return name ? Json(name) : Json(static_cast<long long>(value));
+   } else if constexpr (ListLike<T>) {
+      Json array = Json::array();
+      for (const auto& one : value) array.push_back(toJson(one));
+      return array;
    } else {
       static_assert(DescribedStruct<T>, "the value type has no description");
       Json object = Json::object();
@@ -129,6 +134,16 @@ void structFromJson(const Json& json, T& value, const std::string& path) {
    value = made;
 }
 
+template <ListLike T>
+void listFromJson(const Json& json, T& value, const std::string& path) {
+   if (!json.is_array()) expected(json, path, "an array");
+   T made;
+   for (size_t i = 0; i < json.size(); ++i) {
+      fromJson(json[i], made.emplace_back(), path + "[" + std::to_string(i) + "]");
+   }
+   value = std::move(made);
+}
+
 }  // namespace detail
 
 // Reads a value; throws JsonError, and then leaves `value` as it was.
@@ -164,6 +179,8 @@ void fromJson(const Json& json, T& value, const std::string& path) {
       }
    } else if constexpr (DescribedEnum<T>) {
       detail::enumFromJson(json, value, path);
+   } else if constexpr (ListLike<T>) {
+      detail::listFromJson(json, value, path);
    } else {
       detail::structFromJson(json, value, path);
    }

@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "Rex/Assert.h"
 #include "Rex/Printable.h"
@@ -26,6 +27,11 @@ concept HasStringValue = requires(const T& value) {
 };
 template <class T>
 concept DescribedStruct = boost::describe::has_describe_members<T>::value && !std::is_enum_v<T>;
+template <class T>
+concept ListLike = requires(const T& list) {
+   typename T::value_type;
+   requires std::same_as<T, std::vector<typename T::value_type>>;
+};
 template <class T>
 concept DescribedEnum = std::is_enum_v<T> && boost::describe::has_describe_enumerators<T>::value;
 
@@ -63,6 +69,18 @@ void printStruct(std::ostream& out, const T& value) {
    });
    out << "}";
 }
+
+template <class T>
+void printList(std::ostream& out, const T& list) {
+   const char* separator = "";
+   out << "[";
+   for (const auto& value : list) {
+      out << separator;
+      print(out, value);
+      separator = ", ";
+   }
+   out << "]";
+}
 }  // namespace detail
 
 template <class T>
@@ -90,6 +108,8 @@ void print(std::ostream& out, const T& value) {
       }
    } else if constexpr (DescribedStruct<T>) {
       detail::printStruct(out, value);
+   } else if constexpr (ListLike<T>) {
+      detail::printList(out, value);
    } else {
       out << value;
    }

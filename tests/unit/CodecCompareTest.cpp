@@ -36,7 +36,7 @@ Lldp::RemoteSystem::Ptr fullNeighbour() {
    n->firmwareRevisionTlvInfoIs(text32("firmware"));
    n->hardwareRevisionTlvInfoIs(text32("hardware"));
    Lldp::LocationId location;
-   location.elin = Lldp::BoundedString255(Rex::String("112"));
+   location.ecsElin.elin = decltype(location.ecsElin.elin)(Rex::String("112"));
    n->locationIdIs(location);
    n->networkPolicyTlvIs({.appType = 1, .vlanId = 5});
    n->medCapabilitiesInfoIs({3, 1});
