@@ -77,9 +77,10 @@ int maybeBuildFallbackPowerViaMdiTlv(char* info, const Lldp::LocalPortPoeInfo& p
                                      bool tlvReceived, Rex::Ptr<const Lldp::PortConfig> portConfig,
                                      Rex::Ptr<Lldp::PortStatus> portStatus) {
    uint32_t allocated = portConfig->poeAllocatedPowerFallback();
-   if (allocated == 0 || !tlvReceived) return 0;
+   if (allocated == 0) return 0;
    const PortStatus& port = poeInfo.poePortStatus();
    putShortForm(info, port, true);
+   if (!tlvReceived) return shortFormLen;
    uint16_t requested =
        poeInfo.remoteSystem() ? requestOf(poeInfo.remoteSystem()) : requestOf(*portStatus);
    return putExtendedForm(info, port, requested, allocated);

@@ -12,8 +12,8 @@ namespace Lldp::Agent::PoeUtils {
 // form that every receiver knows. `poeInfo` is ready to be sent.
 int buildPowerViaMdiTlv(char* info, const Lldp::LocalPortPoeInfo& poeInfo, bool tlvReceived);
 
-// For a port of which the power agent says nothing: a neighbour that sends the TLV is answered with
-// the power that the operator has set aside for the port. 0, for no TLV, without either.
+// The same for a port of which the power agent says nothing, with the power that the operator has
+// set aside for it; 0, for no TLV, if that is none.
 int maybeBuildFallbackPowerViaMdiTlv(char* info, const Lldp::LocalPortPoeInfo& poeInfo,
                                      bool tlvReceived, Rex::Ptr<const Lldp::PortConfig> portConfig,
                                      Rex::Ptr<Lldp::PortStatus> portStatus);

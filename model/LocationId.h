@@ -4,7 +4,6 @@
 
 #include <boost/describe.hpp>
 #include <cstdint>
-#include <vector>
 
 #include "model/BoundedStrings.h"
 
@@ -48,7 +47,7 @@ struct LocationId {
       uint8_t lciLength = 0;  // octets from `what` on
       uint8_t what = 0;       // 2: the location of the client
       Rex::String countryCode;
-      std::vector<CaElement> caElements;  // in the order of the frame; number 1 stands first
+      Rex::List<CaElement> caElements;  // in the order of the frame; number 1 stands first
       bool valid = false;
 
       // Writes the element of a number. Numbers are given one after the other.

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "Rex/Assert.h"
+#include "Rex/PoolAllocator.h"
 #include "Rex/Printable.h"
 #include "Rex/Ptr.h"
 #include "Rex/String.h"
@@ -27,10 +28,13 @@ concept HasStringValue = requires(const T& value) {
 };
 template <class T>
 concept DescribedStruct = boost::describe::has_describe_members<T>::value && !std::is_enum_v<T>;
+// The list that a value type may hold: its memory is the pool's, like that of texts.
 template <class T>
-concept ListLike = requires(const T& list) {
+using List = std::vector<T, PoolAllocator<T>>;
+template <class T>
+concept ListLike = requires {
    typename T::value_type;
-   requires std::same_as<T, std::vector<typename T::value_type>>;
+   requires std::same_as<T, List<typename T::value_type>>;
 };
 template <class T>
 concept DescribedEnum = std::is_enum_v<T> && boost::describe::has_describe_enumerators<T>::value;
