@@ -66,6 +66,7 @@ struct ManagementAddress {
 };
 BOOST_DESCRIBE_STRUCT(ManagementAddress::Key, (), (manAddrSubtype, manAddr))
 BOOST_DESCRIBE_STRUCT(ManagementAddress, (), (key, ifSubtype, ifNumber, oid))
+inline const ManagementAddress nullManagementAddress;  // no address
 
 // A TLV of a reserved type, kept as it came.
 using UnknownTlvType = Rex::BoundedNumber<uint32_t, 9, 126, words::UnknownTlvType>;

@@ -66,7 +66,7 @@ struct CliConfig : Rex::Entity {
 struct ExternalTlvPortConfig : Rex::Entity {
    REX_ENTITY(ExternalTlvPortConfig, Rex::Entity)
    REX_KEY(Wirekit::IntfId, intfId)
-   REX_ORDERED_VALUES(UnknownOrgDefTlv, unknownOrgDefTlv, UnknownOrgDefTlv::Key, key)
+   REX_ORDERED_VALUES(UnknownOrgDefTlv, tlv, UnknownOrgDefTlv::Key, key)
    REX_ENTITY_END()
    explicit ExternalTlvPortConfig(const Wirekit::IntfId& intfId) : intfId_(intfId) {}
 };

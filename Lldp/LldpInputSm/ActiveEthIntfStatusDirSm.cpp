@@ -22,7 +22,8 @@ ActiveEthIntfStatusDirSm::ActiveEthIntfStatusDirSm(
       root_(std::move(root)) {
    on(ethPhyIntfStatusDir_, Interface::AllEthPhyIntfStatusDir::intfStatusAttr,
       &ActiveEthIntfStatusDirSm::handlePhyIntfStatus);
-   // Here: the groups of ethLagIntfStatusDir.
+   on(ethLagIntfStatusDir_, Interface::EthLagIntfStatusDir::intfStatusAttr,
+      &ActiveEthIntfStatusDirSm::handleLagIntfStatus);
 
    handleInitialized();
 }
@@ -32,7 +33,8 @@ ActiveEthIntfStatusDirSm::~ActiveEthIntfStatusDirSm() = default;
 void ActiveEthIntfStatusDirSm::handleInitialized() {
    TRACE(trace, 8, "ActiveEthIntfStatusDirSm::handleInitialized()");
    for (auto [intfId, row] : ethPhyIntfStatusDir_->intfStatus()) handlePhyIntfStatus(intfId);
-   // Here: the link aggregation groups, after the ports.
+   if (!ethLagIntfStatusDir_) return;
+   for (auto [intfId, row] : ethLagIntfStatusDir_->intfStatus()) handleLagIntfStatus(intfId);
 }
 
 void ActiveEthIntfStatusDirSm::handlePhyIntfStatus(const Wirekit::IntfId& intfId) {
@@ -42,6 +44,16 @@ void ActiveEthIntfStatusDirSm::handlePhyIntfStatus(const Wirekit::IntfId& intfId
       ethPhyIntfStatusSmIs(intfStatus, this);
    } else {
       ethPhyIntfStatusSmDel(intfId);
+   }
+}
+
+// The old machine goes first, so that a group which is published anew under the same name gets a
+// machine that reads it: its members leave and join again.
+void ActiveEthIntfStatusDirSm::handleLagIntfStatus(const Wirekit::IntfId& intfId) {
+   TRACE(trace, 8, "ActiveEthIntfStatusDirSm::handleLagIntfStatus( " << intfId << " )");
+   ethLagIntfStatusSmDel(intfId);
+   if (auto row = ethLagIntfStatusDir_->intfStatus(intfId)) {
+      ethLagIntfStatusSmIs(intfId, row, root_);
    }
 }
 
@@ -66,7 +78,7 @@ Rex::Ptr<MgmtEthPhyIntfStatusSm> ActiveEthIntfStatusDirSm::mgmtEthPhyIntfStatusS
 void ActiveEthIntfStatusDirSm::doClose() {
    TRACE(trace, 8, "ActiveEthIntfStatusDirSm::doClose()");
    for (auto [intfId, sm] : ethPhyIntfStatusSm()) ethPhyIntfStatusSmDel(intfId);
-   // Here: the link aggregation groups.
+   for (auto [intfId, sm] : ethLagIntfStatusSm()) ethLagIntfStatusSmDel(intfId);
 }
 
 }  // namespace Lldp::Agent::Input

@@ -5,6 +5,7 @@
 #include "Foreign/Bridging.h"
 #include "Interface/EthLagIntfStatus.h"
 #include "Interface/EthPhyIntfStatus.h"
+#include "Lldp/LldpInputSm/EthLagIntfStatusSm.h"
 #include "Lldp/LldpInputSm/EthPhyIntfStatusSm.h"
 #include "Lldp/LldpInputSm/MgmtEthPhyIntfStatusSm.h"
 #include "Rex/Owned.h"
@@ -49,6 +50,7 @@ class ActiveEthIntfStatusDirSm : public Rex::StateMachine {
  private:
    void handleInitialized();
    void handlePhyIntfStatus(const Wirekit::IntfId& intfId);
+   void handleLagIntfStatus(const Wirekit::IntfId& intfId);
    void doClose() override;
 
    const Interface::EthLagIntfStatusDir::PtrConst ethLagIntfStatusDir_;
@@ -58,6 +60,8 @@ class ActiveEthIntfStatusDirSm : public Rex::StateMachine {
    // Declared first, so that it outlives the machines that empty it.
    Rex::OwnedMachines<MgmtEthPhyIntfStatusSm, Wirekit::IntfId> mgmtEthPhyIntfStatusSm_;
    Rex::OwnedMachines<EthPhyIntfStatusSm, Wirekit::IntfId> ethPhyIntfStatusSm_;
+
+   REX_MACHINES(EthLagIntfStatusSm, ethLagIntfStatusSm, Wirekit::IntfId)
 };
 
 }  // namespace Lldp::Agent::Input

@@ -62,7 +62,7 @@ void EthPhyIntfStatusSm::doPresent() {
    doFillLocalPort(localPort);
    syncPortConfig(portConfig, root);
    if (auto sm = root->inputSm()->ethPhyIntfConfigSm(intfId())) sm->doSyncLocalPort(localPort);
-   // Here: the port's VLAN and its external TLVs.
+   root->inputSm()->doSyncLocalPort(localPort);
    syncLinkAggregationInfo(localPort, root);
 
    // The other supervisor serves its own management port.

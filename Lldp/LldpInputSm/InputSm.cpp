@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "Lldp/LldpInputSm/Lag.h"
+#include "Lldp/LldpInputSm/ManAddr.h"
 #include "Lldp/LldpInputSm/PortConfigSync.h"
 #include "Lldp/LldpInputSm/Root.h"
 #include "Rex/Assert.h"
@@ -68,17 +70,15 @@ InputSm::InputSm(Interface::AllEthPhyIntfConfigDir::PtrConst ethPhyIntfConfigDir
       root_(std::move(root)) {
    on(ethPhyIntfConfigDir_, Interface::AllEthPhyIntfConfigDir::intfConfigAttr,
       &InputSm::handleIntfConfig);
-   // Here: the switchport configurations of bridgingConfig.
+   on(bridgingConfig_, Bridging::Config::switchIntfConfigAttr, &InputSm::handleSwitchIntfConfig);
    on(bridgingConfig_, Bridging::Config::bridgeMacAddrAttr, &InputSm::handleBridgeMacAddr);
    on(bridgingHwCapabilities_, Bridging::HwCapabilities::maxFrameSizeAttr,
       &InputSm::handleBridgingMaxFrameSize);
-   // Here: the interfaces of ipStatus and ip6Status.
    on(routingConfig_, Routing::Config::routingAttr, &InputSm::handleRouting);
    on(sysDescr_, EntityMib::SysDescr::descriptionAttr, &InputSm::handleDescription);
-   // Here: the providers in externalTlvs.
+   on(externalTlvs_, Rex::Dir::entityPtrAttr, &InputSm::handleExternalTlvsEntityPtr);
    on(netStatus_, System::NetStatus::hostnameAttr, &InputSm::handleHostnameOrDomainName);
    on(netStatus_, System::NetStatus::domainNameAttr, &InputSm::handleHostnameOrDomainName);
-   // Here: the interfaces of allIntfStatusDir, for their addresses.
    on(cliConfig_, CliConfig::messageTxIntervalAttr, &InputSm::handleMessageTxInterval);
    on(cliConfig_, CliConfig::messageTxHoldTimeAttr, &InputSm::handleMessageTxHoldTime);
    on(cliConfig_, CliConfig::reinitDelayAttr, &InputSm::handleReinitDelay);
@@ -92,11 +92,10 @@ InputSm::InputSm(Interface::AllEthPhyIntfConfigDir::PtrConst ethPhyIntfConfigDir
    on(cliConfig_, CliConfig::tlvMaximumFrameSizeAttr, &InputSm::handleEnabledTlvs);
    on(cliConfig_, CliConfig::tlvPowerViaMdiAttr, &InputSm::handleEnabledTlvs);
    on(cliConfig_, CliConfig::tlvNetworkPolicyAttr, &InputSm::handleEnabledTlvs);
-   // Here: mgmtAddrTxOption and ip6MgmtAddrIntfName.
    on(cliConfig_, CliConfig::enabledAttr, &InputSm::handleEnabled);
    on(cliConfig_, CliConfig::cliPortConfigAttr, &InputSm::handleCliPortConfig);
-   // Here: mgmtAddrVrf.
    on(cliConfig_, CliConfig::rxTaggedPacketsDropAttr, &InputSm::handleRxTaggedPacketsDrop);
+   watchAddresses();
 
    handleInitialized();
 }
@@ -111,17 +110,22 @@ void InputSm::handleInitialized() {
       for (auto [intfId, row] : ethPhyIntfConfigDir_->intfConfig()) handleIntfConfig(intfId);
    }
    handleBridgeMacAddr();
-   // Here: switchport configurations, then the VRF of management addresses, then the interfaces'
-   // IPv4 addresses.
+   for (auto [intfId, row] : bridgingConfig_->switchIntfConfig()) handleSwitchIntfConfig(intfId);
+   handleMgmtAddrVrf();
+   if (ipStatus_) {
+      for (auto [intfId, row] : ipStatus_->ipIntfStatus()) handleIntfStatusOrIpIntfStatus(intfId);
+   }
    handleRouting();
    handleDescription();
-   // Here: providers of external TLVs.
+   if (externalTlvs_) {
+      for (auto [name, entity] : externalTlvs_->entityPtr()) handleExternalTlvsEntityPtr(name);
+   }
    handleHostnameOrDomainName();
    handleMessageTxInterval();
    handleMessageTxHoldTime();
    handleReinitDelay();
    handleEnabledTlvs();
-   // Here: which management addresses go out.
+   handleMgmtAddrTxOption();
    handleRxTaggedPacketsDrop();
    handleEnabled();
 }
@@ -139,6 +143,19 @@ void InputSm::handleIntfConfig(const Wirekit::IntfId& intfId) {
    }
 }
 
+void InputSm::handleSwitchIntfConfig(const Wirekit::IntfId& intfId) {
+   TRACE(trace, 8, "InputSm::handleSwitchIntfConfig( " << intfId << " )");
+   if (auto row = bridgingConfig_->switchIntfConfig(intfId)) {
+      auto standing = switchIntfConfigSm(intfId);
+      if (standing && standing->switchIntfConfig() == row) return;  // adopted before its report
+      REX_ASSERT(!switchIntfConfigSmHas(intfId));
+      switchIntfConfigSmIs(intfId, row, root_);
+   } else {
+      REX_ASSERT(switchIntfConfigSmHas(intfId));
+      switchIntfConfigSmDel(intfId);
+   }
+}
+
 // The chassis is always told by the bridge's MAC address.
 void InputSm::handleBridgeMacAddr() {
    TRACE(trace, 8, "InputSm::handleBridgeMacAddr()");
@@ -147,7 +164,7 @@ void InputSm::handleBridgeMacAddr() {
    for (size_t i = 0; i < Wirekit::EthAddr::size; ++i) octets += static_cast<char>(addr.byte(i));
    root_->localSystem()->chassisIdentifierIs(
        {ChassisIdSubtype::macAddress, ChassisId(Rex::String(octets))});
-   // Here: the fallback management address, made of the same octets.
+   replaceFallbackManAddr(addr, root_);
 }
 
 // Management ports follow their own MTU instead.
@@ -175,6 +192,21 @@ void InputSm::handleRouting() {
 void InputSm::handleDescription() {
    TRACE(trace, 8, "InputSm::handleDescription()");
    root_->localSystem()->sysDescIs(cut(sysDescr_->description()));
+}
+
+// An entity of another type is passed over.
+void InputSm::handleExternalTlvsEntityPtr(const Rex::String& name) {
+   TRACE(trace, 8, "InputSm::handleExternalTlvsEntityPtr( " << name << " )");
+   auto entity = externalTlvs_->entityPtr(name);
+   if (!entity) {
+      externalTlvConfigSmDel(name);
+   } else if (auto provider = Rex::dynamicPtr<const ExternalTlvConfig>(entity)) {
+      auto standing = externalTlvConfigSm(name);
+      if (standing && standing->externalTlvConfig() == provider)
+         return;  // adopted before its report
+      REX_ASSERT(!externalTlvConfigSmHas(name));
+      externalTlvConfigSmIs(name, provider, root_);
+   }
 }
 
 // The host name is not examined: an empty one with a domain gives a name that begins with the dot,
@@ -261,10 +293,25 @@ void InputSm::doSyncPortConfigAdminStatus(const PortConfig::Ptr& portConfig) {
    portAdminStatusIs(portConfig, requested, bridgingConfig_, root_);
 }
 
+void InputSm::doSyncLocalPort(const LocalPort::Ptr& localPort) {
+   const Wirekit::IntfId& intfId = localPort->intfId();
+   if (auto sm = switchIntfConfigSm(governingIntf(intfId, root_))) sm->doSyncLocalPort(localPort);
+   for (auto [name, sm] : externalTlvConfigSm()) sm->doSyncLocalPort(intfId);
+}
+
+void InputSm::doNotifyPortLagChange(const Wirekit::IntfId& portId, const Wirekit::IntfId& oldLag,
+                                    const Wirekit::IntfId& newLag) {
+   TRACE(trace, 8, "InputSm::doNotifyPortLagChange( " << portId << " )");
+   if (auto sm = switchIntfConfigSm(governingIntf(portId, oldLag))) sm->doRemovePort(portId);
+   if (auto sm = switchIntfConfigSm(governingIntf(portId, newLag))) sm->doAddPort(portId);
+}
+
 // What was written into Config and LocalSystem stays.
 void InputSm::doClose() {
    TRACE(trace, 8, "InputSm::doClose()");
-   // Here: IPv4 interfaces, switchport configurations, providers of external TLVs.
+   for (auto [intfId, sm] : ipIntfStatusSm()) ipIntfStatusSmDel(intfId);
+   for (auto [intfId, sm] : switchIntfConfigSm()) switchIntfConfigSmDel(intfId);
+   for (auto [name, sm] : externalTlvConfigSm()) externalTlvConfigSmDel(name);
    for (auto [intfId, sm] : ethPhyIntfConfigSm()) ethPhyIntfConfigSmDel(intfId);
    for (auto [intfId, sm] : cliPortConfigSm()) cliPortConfigSmDel(intfId);
 }

@@ -12,6 +12,10 @@
 #include "Interface/IntfStatus.h"
 #include "Lldp/LldpInputSm/CliPortConfigSm.h"
 #include "Lldp/LldpInputSm/EthPhyIntfConfigSm.h"
+#include "Lldp/LldpInputSm/ExternalTlvConfigSm.h"
+#include "Lldp/LldpInputSm/Ip6IntfStatusSm.h"
+#include "Lldp/LldpInputSm/IpIntfStatusSm.h"
+#include "Lldp/LldpInputSm/SwitchIntfConfigSm.h"
 #include "Rex/Dir.h"
 #include "Rex/Owned.h"
 #include "Rex/StateMachine.h"
@@ -44,14 +48,23 @@ class InputSm : public Rex::StateMachine {
    void doSyncPortConfig(const PortConfig::Ptr& portConfig);
    // Its administrative status alone.
    void doSyncPortConfigAdminStatus(const PortConfig::Ptr& portConfig);
+   // Fills in a new port's VLAN and the TLVs that others want sent on it.
+   void doSyncLocalPort(const LocalPort::Ptr& localPort);
+   // Moves a port from what governed it to what governs it now.
+   void doNotifyPortLagChange(const Wirekit::IntfId& portId, const Wirekit::IntfId& oldLag,
+                              const Wirekit::IntfId& newLag);
+   // Chooses the IPv6 management address anew.
+   void handleIp6ManagementAddress();
 
  private:
    void handleInitialized();
    void handleIntfConfig(const Wirekit::IntfId& intfId);
+   void handleSwitchIntfConfig(const Wirekit::IntfId& intfId);
    void handleBridgeMacAddr();
    void handleBridgingMaxFrameSize();
    void handleRouting();
    void handleDescription();
+   void handleExternalTlvsEntityPtr(const Rex::String& name);
    void handleHostnameOrDomainName();
    void handleMessageTxInterval();
    void handleMessageTxHoldTime();
@@ -61,6 +74,15 @@ class InputSm : public Rex::StateMachine {
    void handleCliPortConfig(const Wirekit::IntfId& intfId);
    void handleRxTaggedPacketsDrop();
    void doClose() override;
+
+   // What concerns management addresses; in InputSmAddresses.cpp.
+   void watchAddresses();
+   void handleIntfStatusOrIpIntfStatus(const Wirekit::IntfId& intfId);
+   void handleIp6IntfStatus(const Wirekit::IntfId& intfId);
+   void handleIp6StatusIntf(const Wirekit::IntfId& intfId);
+   void handleIntfStatus(const Wirekit::IntfId& intfId);
+   void handleMgmtAddrVrf();
+   void handleMgmtAddrTxOption();
 
    const Interface::AllEthPhyIntfConfigDir::PtrConst ethPhyIntfConfigDir_;
    const Bridging::Config::PtrConst bridgingConfig_;
@@ -75,7 +97,11 @@ class InputSm : public Rex::StateMachine {
    const Interface::AllIntfStatusDir::PtrConst allIntfStatusDir_;
    const Rex::Ptr<Root> root_;
 
+   REX_MACHINES(Ip6IntfStatusSm, ip6IntfStatus, Wirekit::IntfId)
    REX_MACHINES(EthPhyIntfConfigSm, ethPhyIntfConfigSm, Wirekit::IntfId)
+   REX_MACHINES(SwitchIntfConfigSm, switchIntfConfigSm, Wirekit::IntfId)
+   REX_MACHINES(IpIntfStatusSm, ipIntfStatusSm, Wirekit::IntfId)
+   REX_MACHINES(ExternalTlvConfigSm, externalTlvConfigSm, Rex::String)
    REX_MACHINES(CliPortConfigSm, cliPortConfigSm, Wirekit::IntfId)
 };
 

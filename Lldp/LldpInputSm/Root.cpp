@@ -24,6 +24,11 @@ int32_t Root::ifIndex(const Interface::IntfStatus::PtrConst& intfStatus) const {
    return -1;
 }
 
+int32_t ifIndexVal(const Wirekit::IntfId& intfId, const Rex::Ptr<Root>& root) {
+   auto intfStatus = root->allIntfStatusDir()->intfStatus(intfId);
+   return intfStatus ? root->ifIndex(intfStatus) : -1;
+}
+
 Root::Ptr rootFactory(const Rex::String& name) {
    return Rex::make<Root>(name);
 }

@@ -9,6 +9,7 @@
 #include "Lldp/LldpInputSm/IdentityDot1xStatusSm.h"
 #include "Lldp/LldpInputSm/InputSm.h"
 #include "Lldp/LldpInputSm/RemTablesClearRequestSm.h"
+#include "Lldp/LldpInputSm/SkippedAddr.h"
 #include "Lldp/LldpInputSm/StandbyEthIntfStatusDirSm.h"
 #include "Rex/Entity.h"
 #include "Rex/Owned.h"
@@ -40,6 +41,10 @@ class Root : public Rex::Entity {
    REX_ATTRIBUTE(Interface::AllIntfStatusDir::PtrConst, allIntfStatusDir)
    REX_ATTRIBUTE(Interface::PamDesiredIntfDir::Ptr, desiredIntfDir)
    REX_CHILDREN(Lags, portToLagsMap, Wirekit::IntfId)
+   REX_CHILDREN(SkippedAddr, skippedAddr, ManagementAddress::Key)
+   REX_ATTRIBUTE(ManAddrPriority, sourceIntfNamePriority)  // of the interface the operator names
+   REX_ATTRIBUTE(bool, fallbackManagementAddressKeyPresent)
+   REX_ATTRIBUTE(ManagementAddress::Key, fallbackManagementAddressKey)
    REX_ENTITY_END()
 
    explicit Root(const Rex::String& name) : name_(name) {}
@@ -57,6 +62,9 @@ class Root : public Rex::Entity {
    // Stands before any port machine does.
    REX_MACHINE(IdentityDot1xStatusSm, identityDot1xStatusSm)
 };
+
+// The interface's number; -1 for an interface without status or without a number.
+int32_t ifIndexVal(const Wirekit::IntfId& intfId, const Rex::Ptr<Root>& root);
 
 Root::Ptr rootFactory(const Rex::String& name);
 

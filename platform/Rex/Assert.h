@@ -17,7 +17,10 @@ namespace Rex {
 
 }  // namespace Rex
 
-#define REX_ASSERT(expression)                                                              \
-   (static_cast<bool>(expression) ? static_cast<void>(0)                                    \
-                                  : ::Rex::assertionFailed(#expression, __FILE__, __LINE__, \
-                                                           __extension__ __PRETTY_FUNCTION__))
+#define REX_ASSERT(expression) REX_ASSERT_AS(expression, #expression)
+
+// The same with words of its own, where the people who look for them in a log know others.
+#define REX_ASSERT_AS(expression, words) \
+   (static_cast<bool>(expression)        \
+        ? static_cast<void>(0)           \
+        : ::Rex::assertionFailed(words, __FILE__, __LINE__, __extension__ __PRETTY_FUNCTION__))

@@ -82,7 +82,7 @@ TEST_F(HostApiChanges, MayRelyOnRowsThatEarlierOnesMake) {
    const std::string row = entry + "/externalTlvPortConfig/Ethernet1";
    auto answer =
        change({"PUT " + entry + R"( {"name":"x"})", "PUT " + row,
-               "PATCH " + row + R"( {"unknownOrgDefTlv":[{"key":{"index":1},"orgDefInfo":"x"}]})",
+               "PATCH " + row + R"( {"tlv":[{"key":{"index":1},"orgDefInfo":"x"}]})",
                "PATCH " + entry + R"( {"name":"y"})", "PUT " + port,
                "PATCH " + port + R"( {"adminStatus":"txOnly"})", "DELETE " + port + "/adminStatus",
                "PUT " + port + R"( {"poeAllocatedPowerFallback":3})"});
@@ -90,7 +90,7 @@ TEST_F(HostApiChanges, MayRelyOnRowsThatEarlierOnesMake) {
    auto made = Rex::dynamicPtr<Lldp::ExternalTlvConfig>(store.manager->getEntity(entry));
    ASSERT_TRUE(made && made->externalTlvPortConfig(Wirekit::IntfId("Ethernet1")));
    EXPECT_EQ(made->name(), "y");
-   EXPECT_EQ(made->externalTlvPortConfig(Wirekit::IntfId("Ethernet1"))->unknownOrgDefTlvs(), 1u);
+   EXPECT_EQ(made->externalTlvPortConfig(Wirekit::IntfId("Ethernet1"))->tlvs(), 1u);
    auto portRow = store.cliConfig()->cliPortConfig(Wirekit::IntfId("Ethernet1"));
    EXPECT_EQ(portRow->adminStatus(), Lldp::AdminStatus::txAndRx);
    EXPECT_EQ(portRow->poeAllocatedPowerFallback(), 3u);

@@ -174,11 +174,11 @@ TEST_F(HostApiResources, EntriesOfADirectoryComeAndGo) {
    EXPECT_EQ(get(path)["name"], "provider");
    EXPECT_EQ(ask("PUT", entities + path + "/externalTlvPortConfig/Ethernet1").status, 201);
    EXPECT_EQ(ask("PATCH", entities + path + "/externalTlvPortConfig/Ethernet1",
-                 R"({"unknownOrgDefTlv":[{"key":{"oui":{"value":1},"subtype":2,"index":1},
+                 R"({"tlv":[{"key":{"oui":{"value":1},"subtype":2,"index":1},
                                           "orgDefInfo":{"octets":"00ff"}}]})")
                  .status,
              204);
-   EXPECT_EQ(get(path + "/externalTlvPortConfig/Ethernet1")["unknownOrgDefTlv"].size(), 1u);
+   EXPECT_EQ(get(path + "/externalTlvPortConfig/Ethernet1")["tlv"].size(), 1u);
    EXPECT_EQ(ask("DELETE", entities + path).status, 204);
    EXPECT_EQ(ask("GET", entities + path).status, 404);
 }
