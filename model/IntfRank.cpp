@@ -41,7 +41,8 @@ IntfRank managementRank(uint32_t slotId, uint32_t port) {
                         {port <= mgmtIntfPerSlot, "port <= mgmtIntfPerSlot"}});
 }
 
-// Ports count from 1. The arithmetic wraps, so that a port 0 without a module has a fault.
+// Ports count from 1. The arithmetic wraps: a port 0 without a module, which no switch has, comes
+// out before the first Ethernet port.
 IntfRank ethernetRank(uint32_t slotId, uint32_t port, uint32_t lane) {
    uint32_t rank =
        ethernetPriorityBase + lanesPerPort * (phyIntfPerSlot * slotId + port - 1) + lane;

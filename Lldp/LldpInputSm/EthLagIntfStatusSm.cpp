@@ -24,29 +24,33 @@ EthLagIntfStatusSm::~EthLagIntfStatusSm() = default;
 
 void EthLagIntfStatusSm::handleInitialized() {
    TRACE(trace, 8, "EthLagIntfStatusSm::handleInitialized() for " << intfId());
-   for (auto [memberId, member] : ethLagIntfStatus_->member()) {
-      addLagMember(memberId, intfId(), root_);
-   }
+   for (auto [memberId, member] : ethLagIntfStatus_->member()) doAdd(memberId);
 }
 
 void EthLagIntfStatusSm::handleMember(const Wirekit::IntfId& memberId) {
    TRACE(trace, 8, "EthLagIntfStatusSm::handleMember( " << memberId << " ) for " << intfId());
    if (ethLagIntfStatus_->memberHas(memberId)) {
-      addLagMember(memberId, intfId(), root_);
+      doAdd(memberId);
    } else {
       doRemove(memberId);
    }
 }
 
-// A member that came and went within one reaction, before this machine stood, was never counted.
+void EthLagIntfStatusSm::doAdd(const Wirekit::IntfId& memberId) {
+   counted_.insert(memberId, true);
+   addLagMember(memberId, intfId(), root_);
+}
+
+// The record, not the group, tells who was counted: within one reaction a member may come or go
+// before this machine stands or after its group went.
 void EthLagIntfStatusSm::doRemove(const Wirekit::IntfId& memberId) {
-   auto lags = root_->portToLagsMap(memberId);
-   if (lags && lags->lagId(intfId())) removeLagMember(memberId, intfId(), root_);
+   Wirekit::IntfId removed = memberId;  // it may live in the record
+   if (counted_.erase(removed)) removeLagMember(removed, intfId(), root_);
 }
 
 void EthLagIntfStatusSm::doClose() {
    TRACE(trace, 8, "EthLagIntfStatusSm::doClose() for " << intfId());
-   for (auto [memberId, member] : ethLagIntfStatus_->member()) doRemove(memberId);
+   for (auto [memberId, value] : counted_) doRemove(memberId);
 }
 
 }  // namespace Lldp::Agent::Input

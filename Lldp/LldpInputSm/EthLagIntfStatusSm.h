@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Interface/EthLagIntfStatus.h"
+#include "Rex/OrderedMap.h"
 #include "Rex/StateMachine.h"
 
 namespace Lldp::Agent::Input {
@@ -23,11 +24,13 @@ class EthLagIntfStatusSm : public Rex::StateMachine {
  private:
    void handleInitialized();
    void handleMember(const Wirekit::IntfId& memberId);
+   void doAdd(const Wirekit::IntfId& memberId);
    void doRemove(const Wirekit::IntfId& memberId);
    void doClose() override;
 
    const Interface::EthLagIntfStatus::PtrConst ethLagIntfStatus_;
    const Rex::Ptr<Root> root_;
+   Rex::OrderedMap<Wirekit::IntfId, bool> counted_;  // the members that this machine has recorded
 };
 
 }  // namespace Lldp::Agent::Input

@@ -34,7 +34,6 @@ void InputSm::watchAddresses() {
    on(cliConfig_, CliConfig::mgmtAddrTxOptionAttr, &InputSm::handleMgmtAddrTxOption);
    on(cliConfig_, CliConfig::mgmtAddrVrfAttr, &InputSm::handleMgmtAddrVrf);
    on(cliConfig_, CliConfig::ip6MgmtAddrIntfNameAttr, &InputSm::handleIp6ManagementAddress);
-   handleIp6ManagementAddress();
 }
 
 void InputSm::handleIntfStatus(const Wirekit::IntfId& intfId) {

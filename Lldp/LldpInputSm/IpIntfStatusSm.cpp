@@ -93,7 +93,8 @@ void IpIntfStatusSm::doMaybeAddNewMgmtAddr() {
    lastMgmtAddr_ = makeManagementAddress(ifIndex, manAddrKey);
 
    if (localSystem->managementAddressHas(manAddrKey)) {
-      if (!ipIntfStatus_->secondaryWithMask(active)) {
+      // When a secondary is promoted within one reaction, it is gone from the status already.
+      if (!ipIntfStatus_->secondaryWithMask(active) && !secondaryMgmtAddr_.find(active)) {
          TRACE(trace, 8,
                "IpIntfStatusSm::Skipping " << manAddrKey.stringValue() << ", VRF "
                                            << vrf().stringValue());
