@@ -24,6 +24,10 @@ struct InputFixture {
    Interface::AllEthPhyIntfStatusDir::Ptr phyDir = Rex::make<Interface::AllEthPhyIntfStatusDir>();
    Interface::AllEthPhyIntfConfigDir::Ptr phyConfigDir =
        Rex::make<Interface::AllEthPhyIntfConfigDir>();
+   Interface::EthLagIntfStatusDir::Ptr lagDir = Rex::make<Interface::EthLagIntfStatusDir>();
+   Ip::Status::Ptr ipStatus = Rex::make<Ip::Status>();
+   Ip6::Status::Ptr ip6Status = Rex::make<Ip6::Status>();
+   Rex::Dir::Ptr externalTlvs = Rex::make<Rex::Dir>();
    Interface::PamDesiredIntfDir::Ptr desired = Rex::make<Interface::PamDesiredIntfDir>();
    Lldp::Agent::Input::Root::Ptr root = Lldp::Agent::Input::rootFactory("inputRoot");
 
@@ -46,14 +50,12 @@ struct InputFixture {
    }
 
    void startInputSm() {
-      root->inputSmIs(phyConfigDir, bridging, hwCapabilities, Rex::make<Ip::Status>(),
-                      Rex::make<Ip6::Status>(), routing, sysDescr, Rex::make<Rex::Dir>(), netStatus,
-                      cliConfig, intfDir, root);
+      root->inputSmIs(phyConfigDir, bridging, hwCapabilities, ipStatus, ip6Status, routing,
+                      sysDescr, externalTlvs, netStatus, cliConfig, intfDir, root);
    }
    void startActive() {
       startInputSm();
-      root->activeEthIntfStatusDirSmIs(Rex::make<Interface::EthLagIntfStatusDir>(), phyDir,
-                                       hwCapabilities, root);
+      root->activeEthIntfStatusDirSmIs(lagDir, phyDir, hwCapabilities, root);
    }
    void startStandby() { root->standbyEthIntfStatusDirSmIs(phyDir, config, localSystem, root); }
 
@@ -64,6 +66,11 @@ struct InputFixture {
       row->maxMtuIs(1500);
       phyDir->intfStatusIs(row);
       return row;
+   }
+   void number(const std::string& name, int32_t ifIndex) {
+      auto row = Rex::make<Interface::IntfStatus>(Wirekit::IntfId(name));
+      row->ifIndexIs(ifIndex);
+      intfDir->intfStatusIs(row);
    }
    void describe(const char* name, const Rex::String& description) {
       auto row = Rex::make<Interface::EthPhyIntfConfig>(Wirekit::IntfId(name));
