@@ -46,8 +46,8 @@ class Scene:
         self._undo.append(lambda: self._end(made))
         return made
 
-    def peer(self, namespace, device, **more):
-        made = Peer(namespace, self.folder(), device, **more)
+    def peer(self, namespace, device, *options, **more):
+        made = Peer(namespace, self.folder(), device, *options, **more)
         self._undo.append(made.kill)
         return made
 
