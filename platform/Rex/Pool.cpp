@@ -8,13 +8,7 @@
 #include <cstdlib>
 #include <new>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define REX_POOL_OFF 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define REX_POOL_OFF 1
-#endif
-#endif
+#include "Rex/UnderAsan.h"
 
 namespace Rex {
 namespace {
@@ -38,7 +32,7 @@ struct State {
 };
 State state;
 
-#ifndef REX_POOL_OFF
+#ifndef REX_UNDER_ASAN
 // A process that stays small takes little; one with many ports and neighbours takes whole pages of
 // the largest size, so that reaching a neighbour does not begin with a walk through page tables.
 constexpr std::size_t smallSlab = 64 * 1024;
@@ -97,7 +91,7 @@ void* cut(std::size_t size) {
 
 void* Pool::allocate(std::size_t size) {
    state.inUse += size;
-#ifdef REX_POOL_OFF
+#ifdef REX_UNDER_ASAN
    // A sanitizer sees every block by itself, so that no use after free hides behind a reuse.
    return ::operator new(size);
 #else
@@ -113,7 +107,7 @@ void* Pool::allocate(std::size_t size) {
 void Pool::release(void* memory, std::size_t size) noexcept {
    if (!memory) return;
    state.inUse -= size;
-#ifdef REX_POOL_OFF
+#ifdef REX_UNDER_ASAN
    ::operator delete(memory);
 #else
    give(classOf(size).list, memory);

@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <new>
 
+#include "Rex/UnderAsan.h"
+
 namespace {
 size_t allocations = 0;
 }  // namespace
@@ -11,7 +13,7 @@ size_t LldpTest::allocationCount() {
    return allocations;
 }
 
-#ifndef __SANITIZE_ADDRESS__
+#ifndef REX_UNDER_ASAN
 
 void* operator new(size_t size) {
    ++allocations;

@@ -61,13 +61,13 @@ TEST_F(ProtocolSmTest, MachineStandsExactlyWhileTheFourSourcesDo) {
       }
       EXPECT_TRUE(sm());
       // Away in another order, the first one taking the machine with it.
-      std::ranges::rotate(order, order.begin() + 1);
+      std::rotate(order.begin(), order.begin() + 1, order.end());
       for (int i : order) {
          sources[i].remove();
          EXPECT_FALSE(sm());
       }
-      std::ranges::rotate(order, order.end() - 1);
-   } while (std::ranges::next_permutation(order).found);
+      std::rotate(order.begin(), order.end() - 1, order.end());
+   } while (std::next_permutation(order.begin(), order.end()));
 }
 
 TEST_F(ProtocolSmTest, LossOfASourceRemovesTheNeighboursAndItsReturnMakesAFreshMachine) {

@@ -3,6 +3,7 @@
 
 #include <limits>
 #include <set>
+#include <utility>
 
 #include "Rex/Json.h"
 #include "Rex/Utf8.h"
@@ -222,7 +223,7 @@ TEST(RexString, SharesItsTextAndKeepsAllOctets) {
    EXPECT_LT(Rex::String("a"), Rex::String("b"));
    a += a;
    EXPECT_EQ(a.bytes(), 14u);
-   a = a;
+   a = std::as_const(a);
    EXPECT_EQ(a.bytes(), 14u);
    EXPECT_EQ(Rex::format("%s-%d", "x", 5), "x-5");
 }
