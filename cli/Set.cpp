@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <set>
 
 #include "cli/Agent.h"
 #include "cli/Failure.h"
@@ -82,11 +83,30 @@ void apply(Client& client, const Changes& changes) {
    }
 }
 
+// A port may come later, or its name may be a slip.
+void tellMissingPorts(const std::vector<Typed>& settings, Session& session) {
+   std::set<std::string, PortOrder> missing;
+   for (const Typed& typed : settings) missing.insert(typed.ports.begin(), typed.ports.end());
+   if (missing.empty()) return;
+   try {
+      for (const std::string& port : Agent(session).portNames()) missing.erase(port);
+   } catch (const Failure&) {
+      return;  // what was set is set
+   }
+   if (missing.empty()) return;
+   session.out << fmt::format("not there yet, but set for when it comes: {}\n",
+                              fmt::join(missing, ", "));
+}
+
 void runSet(const Words& words, Session& session) {
+   std::vector<Typed> settings = readSettings(words, true);
    Changes changes;
-   for (const Typed& typed : readSettings(words, true)) addSetting(changes, typed);
-   Client client(session.socketPath, session.patience);
-   apply(client, changes);
+   for (const Typed& typed : settings) addSetting(changes, typed);
+   {
+      Client client(session.socketPath, session.patience);
+      apply(client, changes);
+   }
+   tellMissingPorts(settings, session);
 }
 
 void runUnset(const Words& words, Session& session) {

@@ -85,7 +85,8 @@ void run(const Options& options, Session& session) {
 
 void addTrace(CLI::App& app, Session& session) {
    auto options = std::make_shared<Options>();
-   CLI::App* command = app.add_subcommand("trace", "shows or sets what the agent traces");
+   CLI::App* command =
+       app.add_subcommand("trace", "shows or sets what the agent traces on standard error");
    command->fallthrough();
    command->add_option("FACILITY", options->facility, "only this one, such as LldpProtocol");
    command->add_option("LEVELS", options->levels, "0 to 9, such as 0,4,6 or 0-6; all; off");

@@ -137,7 +137,12 @@ void ApiConnection::parse() {
       }
       if (error) return refuse(400, "no HTTP/1.1 request: " + error.message());
    }
-   if (!parser.is_done()) return;
+   if (!parser.is_done()) {
+      // The parser takes a body as it comes, but gathers a chunk's line or trailer without a limit.
+      if (http_->input.size() <= limits_.headerBytes) return;
+      return refuse(431, "a line of the chunked body is longer than " +
+                             std::to_string(limits_.headerBytes) + " octets");
+   }
    auto& request = parser.get();
    answer(serve_({std::string(request.method_string()), std::string(request.target()),
                   std::move(request.body())}),
@@ -154,7 +159,7 @@ void ApiConnection::answer(const ApiAnswer& answer, bool keepAlive) {
    Http::Response response(static_cast<http::status>(answer.status), 11);
    if (!answer.body.is_null()) {
       response.set(http::field::content_type, "application/json");
-      response.body() = answer.body.dump(-1, ' ', false, Rex::Json::error_handler_t::replace);
+      response.body() = answer.body.dump(-1, ' ', true, Rex::Json::error_handler_t::replace);
       response.body() += '\n';
    }
    if (response.body().size() > limits_.answerBytes) {

@@ -56,6 +56,11 @@ class Scene:
         self._undo.append(made.close)
         return made
 
+    def watch(self, agent, *words):
+        made = agent.watch(*words)
+        self._undo.append(made.close)
+        return made
+
     @staticmethod
     def _end(agent):
         if agent.process is None:

@@ -328,9 +328,11 @@ TEST(CliCommandLine, MisuseIsOneLineAndStatus2) {
    const std::vector<std::pair<std::vector<std::string>, const char*>> cases{
        {{}, "show"},
        {{"show"}, "neighbors, local, statistics, interfaces, config"},
-       {{"show", "nothing"}, "nothing"},
-       {{"show", "neighbors", "Ethernet1", "Ethernet2"}, "Ethernet2"},
-       {{"show", "local", "--detail"}, "--detail"},
+       {{"help"}, "'help' is not expected here: 'lldp' takes show, watch, set,"},
+       {{"show", "nothing"}, "'nothing' is not expected here: 'show' takes neighbors, local,"},
+       {{"show", "neighbors", "Ethernet1", "Ethernet2"}, "'neighbors' takes detail, PORT, --json"},
+       {{"show", "local", "--detail"}, "'--detail' is not expected here: 'local' takes PORT,"},
+       {{"config", "save", "x"}, "'x' is not expected here: 'save' takes no more words"},
        {{"show", "neighbors", "--socket"}, "--socket"},
        {{"show", "\x1b[2J\n"}, "\\x1b[2J\\x0a"},
    };

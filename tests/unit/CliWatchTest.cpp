@@ -107,6 +107,8 @@ TEST_F(CliWatch, OnePortAndWhatConcernsAll) {
    std::string out = watch(octets, {"Ethernet10", "--json"}).out;
    EXPECT_THAT(out, testing::Not(HasSubstr("\"Ethernet1\"")));
    EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 2);
+   EXPECT_THAT(watch(octets, {"Ethernet10"}).out,
+               testing::StartsWith("no port Ethernet10 yet; waiting for it\n"));
    EXPECT_EQ(cliRun({"watch", "eth0"}).status, 2);
 }
 

@@ -92,6 +92,8 @@ TEST_F(HostApiServer, EachLimitHasItsAnswer) {
        {post + "Content-Length: 99999999999999999999999\r\n\r\n", "400"},
        {post + "Content-Length: -1\r\n\r\n", "400"},
        {post + "Transfer-Encoding: chunked\r\n\r\n80\r\n" + std::string(128, ' '), "413"},
+       {post + "Transfer-Encoding: chunked\r\n\r\n1;" + std::string(600, 'x'), "431"},
+       {post + "Transfer-Encoding: chunked\r\n\r\n0\r\nA: " + std::string(600, 'x'), "431"},
        {"GET / HTTP/9.9\r\n\r\n", "400"},
        {std::string(64, '\0') + "\r\n\r\n", "400"},
        {get("/v1/agent"), "400"},  // longer than an answer may be
