@@ -192,13 +192,13 @@ TEST_F(CodecTx, PowerViaMdiByWhatIsKnown) {
        {"disabled", {poePortDisabled, 154, 4}, 99, nobody, "030105"},
        {"fault", {poePortFault, 154, 9, poePowerPairSpare}, 0, nobody, "030205"},
        {"searching", {poePortSearching, 154}, 0, nobody, "070101"},
-       {"not fed yet", {poePortSearching, 255, 4}, 0, chosen, "0701059000F00000"},
-       {"type 1", {poePortDelivering, 154, 3, {}, poePriorityLow}, 0, chosen, "0701049300F0009A"},
-       {"type 2", {poePortDelivering, 155, 4, {}, poePriorityCritical}, 0, one, "070105110000009B"},
+       {"not fed yet", {poePortSearching, 255, 4}, 0, chosen, "0701051000F00000"},
+       {"type 1", {poePortDelivering, 130, 3, {}, poePriorityLow}, 0, chosen, "0701049300F00082"},
+       {"type 2", {poePortDelivering, 131, 4, {}, poePriorityCritical}, 0, one, "0701051100000083"},
        {"above the field", {poePortDelivering, 70000, 4}, 0, chosen, "0701051000F003E7"},
        {"fallback, nobody asks", {}, 300, nobody, "070101"},
-       // Answers the one neighbour that asks, as none is chosen.
-       {"fallback", {}, 300, one, "0701011000F0012C"},
+       {"fallback, nobody chosen", {}, 300, one, "070101100000012C"},
+       {"fallback", {}, 300, chosen, "0701011000F0012C"},
    };
    for (const auto& row : rows) {
       SCOPED_TRACE(row.label);
@@ -209,9 +209,10 @@ TEST_F(CodecTx, PowerViaMdiByWhatIsKnown) {
       std::string info = octets(row.info);
       EXPECT_EQ(build(), head + (info.empty() ? "" : organization(dot3, 2, info)) + endOfLldpdu());
    }
-   // Two that ask cannot both be answered.
-   port.receive(mandatory(8) + request(99));
-   EXPECT_EQ(build(), head + organization(dot3, 2, octets("070101100000012C")) + endOfLldpdu());
+   // A request that the field cannot hold is not repeated as it came.
+   auto greedy = port.receive(mandatory(8) + request(0xFFFF));
+   localPort->localPortPoeInfo()->remoteSystemIs(greedy);
+   EXPECT_EQ(build(), head + organization(dot3, 2, octets("0701011003E7012C")) + endOfLldpdu());
 }
 
 // What fits is there and nothing else is lost, whatever the room is. One of a chain that does not
