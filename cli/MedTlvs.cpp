@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "cli/Names.h"
+#include "cli/Applications.h"
 
 namespace LldpCli {
 namespace {
@@ -19,16 +19,6 @@ constexpr auto deviceClassNames = std::to_array<Name>({{0, "not defined"},
                                                        {2, "endpoint class II"},
                                                        {3, "endpoint class III"},
                                                        {4, "network connectivity"}});
-
-// 10.2.3.
-constexpr auto applicationNames = std::to_array<Name>({{1, "voice"},
-                                                       {2, "voice signaling"},
-                                                       {3, "guest voice"},
-                                                       {4, "guest voice signaling"},
-                                                       {5, "softphone voice"},
-                                                       {6, "video conferencing"},
-                                                       {7, "streaming video"},
-                                                       {8, "video signaling"}});
 
 // The agent keeps every class that is reserved as one number.
 Json medCapabilities(const Json& from) {

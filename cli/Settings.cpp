@@ -9,6 +9,7 @@
 
 #include "Rex/Printable.h"
 #include "cli/Failure.h"
+#include "cli/NetworkPolicies.h"
 
 namespace LldpCli {
 namespace {
@@ -49,11 +50,22 @@ const auto table = std::to_array<Setting>({
      "whose IPv6 address is sent"},
     {"port PORTS status", "cliPortConfig/PORTS/adminStatus", directions, "both",
      "what these ports do with LLDP"},
+    {"port PORTS power-fallback", "cliPortConfig/PORTS/poeAllocatedPowerFallback",
+     Number{0, 999, "WATTS", 10}, "0", "power told where PoE tells none"},
+    {"port PORTS network-policy", "cliPortConfig/PORTS/networkPolicyConfig", Policies{}, "none",
+     "what phones are told"},
 });
 
 [[noreturn]] void expected(const Setting& setting, const std::string& what,
                            const std::string& got) {
    throw Misuse(fmt::format("{}: expected {}, got '{}'", setting.words, what, Rex::printable(got)));
+}
+
+// 154 tenths are 15.4, and 150 are 15.
+std::string typedNumber(const Number& number, unsigned value) {
+   std::string whole = std::to_string(value / number.parts);
+   unsigned rest = value % number.parts;
+   return rest ? fmt::format("{}.{}", whole, rest) : whole;
 }
 
 bool isName(const std::string& text, const Name& name) {
@@ -111,6 +123,7 @@ std::vector<std::string> wordsOf(const Setting& setting) {
 std::string valueForm(const Setting& setting) {
    if (auto number = std::get_if<Number>(&setting.value)) return number->unit;
    if (std::holds_alternative<Name>(setting.value)) return "NAME";
+   if (std::holds_alternative<Policies>(setting.value)) return "POLICIES";
    std::string form;
    for (const Choice& choice : std::get<Choices>(setting.value)) {
       form += fmt::format("{}{}{}", form.empty() ? "" : "|", choice.word,
@@ -122,7 +135,8 @@ std::string valueForm(const Setting& setting) {
 std::string helpText(const Setting& setting) {
    std::string text(setting.help);
    if (auto number = std::get_if<Number>(&setting.value)) {
-      text += fmt::format(", {} to {}", number->least, number->most);
+      text += fmt::format(", {} to {}", typedNumber(*number, number->least),
+                          typedNumber(*number, number->most));
    }
    bool quotes = std::holds_alternative<Name>(setting.value) && !setting.standard.empty();
    std::string_view standard = setting.standard.empty() ? "none" : setting.standard;
@@ -133,8 +147,9 @@ std::optional<std::string> typedValue(const Setting& setting, const Json& value)
    if (auto number = std::get_if<Number>(&setting.value)) {
       bool typable = value.is_number_unsigned() && value.get<uint64_t>() >= number->least &&
                      value.get<uint64_t>() <= number->most;
-      return typable ? std::optional(value.dump()) : std::nullopt;
+      return typable ? std::optional(typedNumber(*number, value.get<unsigned>())) : std::nullopt;
    }
+   if (std::holds_alternative<Policies>(setting.value)) return typedPolicies(value);
    if (auto name = std::get_if<Name>(&setting.value)) return typedName(value, *name);
    for (const Choice& choice : std::get<Choices>(setting.value)) {
       if (auto typed = typedChoice(choice, value)) return typed;
@@ -144,14 +159,31 @@ std::optional<std::string> typedValue(const Setting& setting, const Json& value)
 
 Json numberValue(const Setting& setting, const Number& number, const std::string& word) {
    unsigned value = 0;
+   unsigned rest = 0;
    const char* end = word.data() + word.size();
    auto [behind, error] = std::from_chars(word.data(), end, value);
-   bool good = error == std::errc() && behind == end;
-   if (!good || value < number.least || value > number.most) {
-      expected(setting, fmt::format("a whole number from {} to {}", number.least, number.most),
+   bool good = error == std::errc() && value <= number.most;
+   // One digit behind the point, as there are no more parts than ten.
+   if (good && number.parts == 10 && end - behind == 2 && *behind == '.' && std::isdigit(end[-1])) {
+      rest = static_cast<unsigned>(end[-1] - '0');
+      behind = end;
+   }
+   value = value * number.parts + rest;
+   if (!good || behind != end || value < number.least || value > number.most) {
+      expected(setting,
+               fmt::format("a {}number from {} to {}", number.parts == 1 ? "whole " : "",
+                           typedNumber(number, number.least), typedNumber(number, number.most)),
                word);
    }
    return value;
+}
+
+Json policiesValue(const Setting& setting, const std::string& word) {
+   if (auto rows = readPolicies(word)) return *rows;
+   expected(setting,
+            fmt::format("{}, VLAN to 4094, PRIORITY to 7, DSCP to 63, APPLICATION one of {}",
+                        policiesForm, applicationList()),
+            word);
 }
 
 std::string nameValue(const Setting& setting, const Name& name, const std::string& word) {

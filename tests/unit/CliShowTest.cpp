@@ -332,7 +332,7 @@ TEST(CliCommandLine, MisuseIsOneLineAndStatus2) {
        {{"show", "nothing"}, "'nothing' is not expected here: 'show' takes neighbors, local,"},
        {{"show", "neighbors", "Ethernet1", "Ethernet2"}, "'neighbors' takes detail, PORT, --json"},
        {{"show", "local", "--detail"}, "'--detail' is not expected here: 'local' takes PORT,"},
-       {{"config", "save", "x"}, "'x' is not expected here: 'save' takes no more words"},
+       {{"man", "x"}, "'x' is not expected here: 'man' takes no more words"},
        {{"show", "neighbors", "--socket"}, "--socket"},
        {{"show", "\x1b[2J\n"}, "\\x1b[2J\\x0a"},
    };

@@ -25,6 +25,9 @@ TEST_F(HostApiServer, OneConnectionServesOneRequestAfterTheOther) {
                StartsWith("HTTP/1.1 204 No Content\r\n"));
    EXPECT_THAT(exchange(client, get(interval)), EndsWith("\r\n\r\n5\n"));
    EXPECT_THAT(exchange(client, patch("{}")), Not(HasSubstr("Content-Length")));
+   std::string head = exchange(client, "HEAD /v1/paths HTTP/1.1\r\n\r\n");
+   EXPECT_THAT(head, StartsWith("HTTP/1.1 405"));
+   EXPECT_THAT(head, EndsWith("\r\n\r\n")) << "no body, which would pass for the next answer";
    EXPECT_FALSE(client.ended);
    EXPECT_THAT(exchange(client, "GET /v1/paths HTTP/1.1\r\nConnection: close\r\n\r\n"),
                HasSubstr("200 OK"));
