@@ -102,7 +102,7 @@ class Reader {
       } else if (std::holds_alternative<Policies>(setting.value)) {
          value = policiesValue(setting, *typed);
       } else {
-         value = nameValue(setting, std::get<Name>(setting.value), *typed);
+         value = nameValue(setting, std::get<Word>(setting.value), *typed);
       }
       return true;
    }

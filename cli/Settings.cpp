@@ -45,7 +45,7 @@ const auto table = std::to_array<Setting>({
     {"tlv power-via-mdi", "tlvPowerViaMdi", onOff, "on", "send Power via MDI"},
     {"tlv network-policy", "tlvNetworkPolicy", onOff, "on", "send Network Policy"},
     {"management-address", "mgmtAddrTxOption", addresses, "best", "which addresses are sent"},
-    {"management-vrf", "mgmtAddrVrf", Name{100}, "default", "VRF of those addresses"},
+    {"management-vrf", "mgmtAddrVrf", Word{100}, "default", "VRF of those addresses"},
     {"ipv6-management-interface", "ip6MgmtAddrIntfName", interfaceName, "",
      "whose IPv6 address is sent"},
     {"port PORTS status", "cliPortConfig/PORTS/adminStatus", directions, "both",
@@ -68,7 +68,7 @@ std::string typedNumber(const Number& number, unsigned value) {
    return rest ? fmt::format("{}.{}", whole, rest) : whole;
 }
 
-bool isName(const std::string& text, const Name& name) {
+bool isName(const std::string& text, const Word& name) {
    auto visible = [](char c) { return c > ' ' && c < '\x7F'; };
    return !text.empty() && text.size() <= name.longest && std::ranges::all_of(text, visible);
 }
@@ -84,7 +84,7 @@ std::string quoted(const std::string& name) {
    return out + "'";
 }
 
-std::optional<std::string> typedName(const Json& value, const Name& name) {
+std::optional<std::string> typedName(const Json& value, const Word& name) {
    // A first dash would make it an option.
    bool typable = value.is_string() && isName(value.get<std::string>(), name) &&
                   !value.get<std::string>().starts_with('-');
@@ -122,7 +122,7 @@ std::vector<std::string> wordsOf(const Setting& setting) {
 
 std::string valueForm(const Setting& setting) {
    if (auto number = std::get_if<Number>(&setting.value)) return number->unit;
-   if (std::holds_alternative<Name>(setting.value)) return "NAME";
+   if (std::holds_alternative<Word>(setting.value)) return "NAME";
    if (std::holds_alternative<Policies>(setting.value)) return "POLICIES";
    std::string form;
    for (const Choice& choice : std::get<Choices>(setting.value)) {
@@ -138,7 +138,7 @@ std::string helpText(const Setting& setting) {
       text += fmt::format(", {} to {}", typedNumber(*number, number->least),
                           typedNumber(*number, number->most));
    }
-   bool quotes = std::holds_alternative<Name>(setting.value) && !setting.standard.empty();
+   bool quotes = std::holds_alternative<Word>(setting.value) && !setting.standard.empty();
    std::string_view standard = setting.standard.empty() ? "none" : setting.standard;
    return fmt::format("{0} (default {2}{1}{2})", text, standard, quotes ? "'" : "");
 }
@@ -150,7 +150,7 @@ std::optional<std::string> typedValue(const Setting& setting, const Json& value)
       return typable ? std::optional(typedNumber(*number, value.get<unsigned>())) : std::nullopt;
    }
    if (std::holds_alternative<Policies>(setting.value)) return typedPolicies(value);
-   if (auto name = std::get_if<Name>(&setting.value)) return typedName(value, *name);
+   if (auto name = std::get_if<Word>(&setting.value)) return typedName(value, *name);
    for (const Choice& choice : std::get<Choices>(setting.value)) {
       if (auto typed = typedChoice(choice, value)) return typed;
    }
@@ -186,7 +186,7 @@ Json policiesValue(const Setting& setting, const std::string& word) {
             word);
 }
 
-std::string nameValue(const Setting& setting, const Name& name, const std::string& word) {
+std::string nameValue(const Setting& setting, const Word& name, const std::string& word) {
    if (!isName(word, name)) {
       expected(setting, fmt::format("a name of 1 to {} visible characters", name.longest), word);
    }

@@ -32,8 +32,8 @@ using Choices = std::span<const Choice>;
 // A word of NetworkPolicies.h.
 struct Policies {};
 
-// Of visible characters.
-struct Name {
+// A name of visible characters.
+struct Word {
    size_t longest;
 };
 
@@ -42,7 +42,7 @@ struct Setting {
 
    std::string_view words;      // PORTS stands for a list of ports
    std::string_view attribute;  // path below the configuration's entity, PORTS for a port
-   std::variant<Number, Choices, Name, Policies> value;
+   std::variant<Number, Choices, Word, Policies> value;
    std::string_view standard;  // the default, as it is typed; empty where there is no such name
    std::string_view help;
 
@@ -64,8 +64,8 @@ std::optional<std::string> typedValue(const Setting& setting, const Json& value)
 // The value of one word. Throws Misuse that names the setting and what it takes.
 Json numberValue(const Setting& setting, const Number& number, const std::string& word);
 Json policiesValue(const Setting& setting, const std::string& word);
-std::string nameValue(const Setting& setting, const Name& name, const std::string& word);
+std::string nameValue(const Setting& setting, const Word& name, const std::string& word);
 // The longest NAME that can follow a choice.
-inline constexpr Name interfaceName{64};
+inline constexpr Word interfaceName{64};
 
 }  // namespace LldpCli
