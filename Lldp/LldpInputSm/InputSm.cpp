@@ -98,8 +98,6 @@ InputSm::InputSm(Interface::AllEthPhyIntfConfigDir::PtrConst ethPhyIntfConfigDir
    watchAddresses();
 
    handleInitialized();
-   // Behind the bridge's address, whose fallback makes way for an IPv6 address.
-   handleIp6ManagementAddress();
 }
 
 InputSm::~InputSm() = default;

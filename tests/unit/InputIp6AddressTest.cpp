@@ -109,13 +109,16 @@ TEST(InputIp6Address, KeepsTheFallbackAway) {
    EXPECT_EQ(input.told(), "");
 }
 
-TEST(InputIp6Address, FoundAtTheStart) {
+// It is looked for ahead of the bridge's address, which does not ask for it.
+TEST(InputIp6Address, FoundAtTheStartStandsBesideTheFallback) {
    AddressFixture input;
    input.number("Vlan1", 1);
    input.cliConfig->ip6MgmtAddrIntfNameIs("Vlan1");
    input.ip6Status->ipIntfStatusIs(IntfId("Vlan1"))->addrIs({ip6("2001:db8::1/64")});
    input.startInputSm();
    EXPECT_EQ(input.told6(), "2001:db8::1@1");
+   EXPECT_EQ(input.told(), fallback);
+   input.ip6Status->ipIntfStatus(IntfId("Vlan1"))->addrIs({ip6("2001:db8::2/64")});
    EXPECT_EQ(input.told(), "");
    input.ip6Status->ipIntfStatus(IntfId("Vlan1"))->addrDelAll();
    EXPECT_EQ(input.told6(), "");
