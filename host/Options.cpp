@@ -68,7 +68,7 @@ std::set<std::string> feedersOf(const std::string& text) {
    std::string one;
    while (std::getline(in, one, ',')) {
       if (!all.contains(one)) {
-         refuse("--feeders", text, "expected all, none, or some of links,host,bridging");
+         refuse("--feeders", text, "expected all, none, or some of links,host,bridging,addresses");
       }
       chosen.insert(one);
    }
@@ -107,6 +107,9 @@ void takeTrace(Options& options, const std::string& text) {
 void checkFeeders(const Options& options) {
    if (!options.feeds("links") && !options.served().empty()) {
       throw StartError("--feeders: devices and --port need the feeder links");
+   }
+   if (!options.feeds("links") && options.feeds("addresses")) {
+      throw StartError("--feeders: addresses need the feeder links, which names their interfaces");
    }
 }
 
