@@ -160,8 +160,8 @@ void declare(CLI::App& app, Options& options, Words& words) {
    often("--trace", "FACILITY=LEVELS", words.traces,
          "Traces to standard error: levels 0 to 9 with commas between, or all");
    once("--feeders", "LIST", words.feeders,
-        "all, none, or a list of links,host,bridging: what is read from Linux. What is not, other "
-        "agents or the API write");
+        "all, none, or a list of links,host,bridging,addresses: what is read from Linux. What is "
+        "not, other agents or the API write");
    once("--module", "PATH", options.module,
         "The agent (default: liblldpagent.so of the program's folder or of ../lib)");
 }

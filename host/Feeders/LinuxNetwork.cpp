@@ -144,7 +144,13 @@ void LinuxNetwork::handleMessage(const nlmsghdr& message) {
 void LinuxNetwork::handleLink(const nlmsghdr& message) {
    auto link = linkIn(message);
    if (!link) return;
-   if (message.nlmsg_type == RTM_NEWLINK) return network_.links.linkIs(*link);
+   if (message.nlmsg_type == RTM_NEWLINK) {
+      const Link* before = network_.links.at(link->ifIndex);
+      bool joins = link->master && (!before || before->master != link->master);
+      bool bridge = link->vlanAware && (!before || !before->vlanAware);
+      if (joins || bridge) vlanNews_.insert(link->ifIndex);
+      return network_.links.linkIs(*link);
+   }
    network_.addresses.deviceDel(link->ifIndex);
    network_.links.linkDel(link->ifIndex);
    network_.vlans.vlanIs(link->ifIndex, {});
