@@ -13,7 +13,8 @@ class Switch:
         self.near, self.far = scene.namespace("near"), scene.namespace("far")
         cable(self.near, "eth1", self.far, "eth1")
         self.agent = scene.agent(self.near, {"Ethernet1": "eth1"}, *options).start()
-        self.agent.configure(messageTxInterval=1)
+        # With a device its address may go, and with that the chassis; the peer soon forgets it.
+        self.agent.configure(messageTxInterval=1, messageTxHoldTime=3)
         self.peer = scene.peer(self.far, "eth1").start()
 
     def port_vlan(self):
