@@ -68,7 +68,7 @@ std::set<std::string> feedersOf(const std::string& text) {
    std::string one;
    while (std::getline(in, one, ',')) {
       if (!all.contains(one)) {
-         refuse("--feeders", text, "expected all, none, or some of links,host,bridging");
+         refuse("--feeders", text, "expected all, none, or some of links,host,bridging,addresses");
       }
       chosen.insert(one);
    }
@@ -107,6 +107,9 @@ void takeTrace(Options& options, const std::string& text) {
 void checkFeeders(const Options& options) {
    if (!options.feeds("links") && !options.served().empty()) {
       throw StartError("--feeders: devices and --port need the feeder links");
+   }
+   if (!options.feeds("links") && options.feeds("addresses")) {
+      throw StartError("--feeders: addresses need the feeder links, which names their interfaces");
    }
 }
 
@@ -158,8 +161,8 @@ void declare(CLI::App& app, Options& options, Words& words) {
    often("--trace", "FACILITY=LEVELS", words.traces,
          "Traces to standard error: levels 0 to 9 with commas between, or all");
    once("--feeders", "LIST", words.feeders,
-        "all, none, or a list of links,host,bridging: what is read from Linux. What is not, other "
-        "agents or the API write");
+        "all, none, or a list of links,host,bridging,addresses: what is read from Linux. What is "
+        "not, other agents or the API write");
    once("--module", "PATH", options.module,
         "The agent (default: liblldpagent.so of the program's folder or of ../lib)");
 }

@@ -8,7 +8,6 @@
 namespace Host {
 namespace {
 
-constexpr const char* configPath = "bridging/config";
 constexpr const char* capabilitiesPath = "bridging/hwcapabilities";
 constexpr uint32_t frameOverhead = 14 + 4;  // Ethernet header, frame check sequence
 constexpr int mostMasters = 8;              // the kernel nests no deeper
@@ -32,7 +31,13 @@ BridgingFeeder::BridgingFeeder(const Rex::Ptr<Statestore::EntityManager>& entity
       config_(fedEntity<Bridging::Config>(*entityManager, configPath)),
       capabilities_(fedEntity<Bridging::HwCapabilities>(*entityManager, capabilitiesPath)) {
    handleLinks();
-   links.listenerIs([this](const Link*, const Link*) { handleLinks(); });
+   // A device that is no port and has no members, such as one of thousands of VLANs, has no say.
+   auto counts = [this](const Link* link) {
+      return link && (devices_.serves(*link) || !links_.membersOf(link->ifIndex).empty());
+   };
+   links.listenerIs([this, counts](const Link* before, const Link* after) {
+      if (counts(before) || counts(after)) handleLinks();
+   });
 }
 
 std::set<std::string> BridgingFeeder::fedPaths() {

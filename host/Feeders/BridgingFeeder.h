@@ -14,6 +14,8 @@ namespace Host {
 
 class BridgingFeeder {
  public:
+   static constexpr const char* configPath = "bridging/config";
+
    // Starts with the links that stand, and follows `links` as long as both live.
    BridgingFeeder(const Rex::Ptr<Statestore::EntityManager>& entityManager, Links& links,
                   const ServedDevices& devices);

@@ -1,6 +1,7 @@
-// Everything that Linux tells the agent, behind one door: the links feeder (interfaces), the host
-// feeder (name and description of the system) and the bridging feeder (the switch's own address,
-// the longest frame). What each of them writes stands in docs/feeders.md.
+// Everything that Linux tells the agent, behind one door: the links feeder (ports and the other
+// interfaces), the addresses feeder, the bridging feeder (the switch's own address, the longest
+// frame, switchports and groups) and the host feeder (name and description of the system). What
+// each of them writes stands in docs/feeders.md.
 #pragma once
 
 #include <map>
@@ -10,13 +11,18 @@
 
 #include "Rex/Loop.h"
 #include "Statestore/EntityManager.h"
+#include "host/Feeders/AddressFeeder.h"
 #include "host/Feeders/BridgingFeeder.h"
+#include "host/Feeders/GroupFeeder.h"
 #include "host/Feeders/HostFeeder.h"
-#include "host/Feeders/Links.h"
+#include "host/Feeders/Intfs.h"
 #include "host/Feeders/LinksFeeder.h"
 #include "host/Feeders/LinuxHost.h"
-#include "host/Feeders/LinuxLinks.h"
+#include "host/Feeders/LinuxNetwork.h"
+#include "host/Feeders/Network.h"
 #include "host/Feeders/ServedDevices.h"
+#include "host/Feeders/SwitchportFeeder.h"
+#include "host/Feeders/VirtualIntfFeeder.h"
 #include "host/PortNames.h"
 
 namespace Host {
@@ -32,7 +38,7 @@ class Feeders {
       bool others = false;                 // every physical one beside `devices`
    };
 
-   // The feeders' names: bridging, host, links.
+   // The feeders' names: addresses, bridging, host, links.
    static std::set<std::string> all();
 
    explicit Feeders(Setup setup);
@@ -49,14 +55,20 @@ class Feeders {
 
  private:
    bool feeds(const char* feeder) const { return setup_.enabled.contains(feeder); }
+   void startIntfs();
    void checkDevices() const;
 
    const Setup setup_;
    const ServedDevices devices_;
-   Links links_;
-   std::optional<LinuxLinks> linuxLinks_;
+   Network network_;
+   std::optional<LinuxNetwork> linuxNetwork_;
+   std::optional<Intfs> intfs_;
    std::optional<BridgingFeeder> bridgingFeeder_;
    std::optional<LinksFeeder> linksFeeder_;
+   std::optional<VirtualIntfFeeder> virtualIntfFeeder_;
+   std::optional<SwitchportFeeder> switchportFeeder_;
+   std::optional<GroupFeeder> groupFeeder_;
+   std::optional<AddressFeeder> addressFeeder_;
    std::optional<HostFeeder> hostFeeder_;
    std::optional<LinuxHost> linuxHost_;
 };

@@ -21,33 +21,62 @@ bool isPhysical(const Link& link) {
 }
 
 void Links::linkIs(const Link& link) {
-   auto [at, fresh] = all_.try_emplace(link.ifIndex, link);
-   if (fresh) {
-      tell(nullptr, &at->second);
-   } else if (at->second != link) {
-      Link before = at->second;
-      at->second = link;
-      tell(&before, &at->second);
-   }
+   const Link* at = this->at(link.ifIndex);
+   if (at && *at == link) return;
+   std::optional<Link> before = at ? std::optional(*at) : std::nullopt;
+   store(link);
+   tell(before ? &*before : nullptr, this->at(link.ifIndex));
 }
 
 void Links::linkDel(int32_t ifIndex) {
    auto at = all_.find(ifIndex);
    if (at == all_.end()) return;
    Link before = at->second;
+   leaveMaster(before);
    all_.erase(at);
    tell(&before, nullptr);
 }
 
-void Links::linksAre(const std::vector<Link>& links) {
+void Links::linksAre(const std::map<int32_t, Link>& links) {
    // What has gone goes first: its name may belong to another device by now.
    std::vector<int32_t> gone;
    for (const auto& [ifIndex, link] : all_) {
-      auto stays = std::ranges::lower_bound(links, ifIndex, {}, &Link::ifIndex);
-      if (stays == links.end() || stays->ifIndex != ifIndex) gone.push_back(ifIndex);
+      if (!links.contains(ifIndex)) gone.push_back(ifIndex);
    }
    for (int32_t ifIndex : gone) linkDel(ifIndex);
-   for (const Link& link : links) linkIs(link);
+   // A member may come before its master.
+   std::map<int32_t, std::optional<Link>> changed;
+   for (const auto& [ifIndex, link] : links) {
+      const Link* before = at(ifIndex);
+      if (before && *before == link) continue;
+      changed[ifIndex] = before ? std::optional(*before) : std::nullopt;
+      store(link);
+   }
+   for (const auto& [ifIndex, before] : changed) tell(before ? &*before : nullptr, at(ifIndex));
+}
+
+void Links::store(const Link& link) {
+   if (const Link* before = at(link.ifIndex)) leaveMaster(*before);
+   all_[link.ifIndex] = link;
+   if (link.master) members_[link.master].insert(link.ifIndex);
+}
+
+void Links::leaveMaster(const Link& link) {
+   auto at = members_.find(link.master);
+   if (at == members_.end()) return;
+   at->second.erase(link.ifIndex);
+   if (at->second.empty()) members_.erase(at);
+}
+
+const Link* Links::masterOf(int32_t ifIndex) const {
+   const Link* link = at(ifIndex);
+   return link && link->master ? at(link->master) : nullptr;
+}
+
+const std::set<int32_t>& Links::membersOf(int32_t ifIndex) const {
+   static const std::set<int32_t> none;
+   auto at = members_.find(ifIndex);
+   return at == members_.end() ? none : at->second;
 }
 
 const Link* Links::at(int32_t ifIndex) const {

@@ -3,6 +3,8 @@
 
 #include <functional>
 #include <map>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -18,9 +20,12 @@ struct Link {
    std::string kind;  // "bridge", "veth", ...; empty for hardware
    std::string alias;
    Wirekit::EthAddr ethAddr;
-   uint32_t mtu = 0;       // octets of payload
-   int32_t master = 0;     // index of the bridge or bond that it is a member of, 0 for none
-   bool ethernet = false;  // frames have Ethernet headers
+   uint32_t mtu = 0;        // octets of payload
+   int32_t master = 0;      // index of the bridge, bond or VRF that it is a member of, 0 for none
+   uint16_t vlanId = 0;     // of a VLAN device, 0 for none
+   bool vlanAware = false;  // a bridge that tells VLANs apart
+   bool ethernet = false;   // frames have Ethernet headers
+   bool loopback = false;
    bool adminUp = false;
    bool carrier = false;
    uint8_t operState = 0;  // RFC 2863, ifOperStatus as the kernel numbers it
@@ -48,18 +53,25 @@ class Links {
 
    void linkIs(const Link& link);
    void linkDel(int32_t ifIndex);
-   // All that there are, in the order of their indices: what is not among them has gone. Listeners
-   // are told the differences only.
-   void linksAre(const std::vector<Link>& links);
+   // All that there are, by index: what is not among them has gone. Listeners are told the
+   // differences only, when all of them stand already.
+   void linksAre(const std::map<int32_t, Link>& links);
 
    const std::map<int32_t, Link>& all() const { return all_; }
    const Link* at(int32_t ifIndex) const;
    const Link* named(const std::string& name) const;
+   // Null also where the device itself or its master is not known.
+   const Link* masterOf(int32_t ifIndex) const;
+   // Indices of the devices that have this one as their master.
+   const std::set<int32_t>& membersOf(int32_t ifIndex) const;
 
  private:
+   void store(const Link& link);
+   void leaveMaster(const Link& link);
    void tell(const Link* before, const Link* after) const;
 
    std::map<int32_t, Link> all_;
+   std::map<int32_t, std::set<int32_t>> members_;  // by master; none is empty
    std::vector<Listener> listeners_;
 };
 

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "Rex/Log.h"
-#include "Statestore/Cell.h"
 #include "host/Feeders/FedEntity.h"
 #include "host/StartError.h"
 
@@ -21,7 +20,6 @@ const Rex::LogHandle namesNotKept(
     "Check that the state folder is on a file system with room that can be written to.", 60.0, 1.0,
     0);
 
-constexpr const char* allPath = "interface/status/all";
 constexpr const char* phyPath = "interface/status/eth/phy/all";
 constexpr const char* configPath = "interface/config/eth/phy/all";
 constexpr const char* kernelPath = "kni/ns/default/status";
@@ -34,20 +32,16 @@ void fill(Interface::EthPhyIntfStatus& status, const Link& link) {
    status.forwardingModelIs(forwardingModel(link));
 }
 
-Rex::String localPath() {
-   return Cell::path("interface/status/local", 0);
-}
-
 }  // namespace
 
 LinksFeeder::LinksFeeder(const Rex::Ptr<Statestore::EntityManager>& entityManager, Links& links,
-                         const ServedDevices& devices, PortNames& names, Identity identity)
+                         const ServedDevices& devices, Intfs& intfs, PortNames& names,
+                         Identity identity)
     : links_(links),
       devices_(devices),
+      intfs_(intfs),
       names_(names),
       identity_(std::move(identity)),
-      all_(fedEntity<Interface::AllIntfStatusDir>(*entityManager, allPath)),
-      local_(fedEntity<Interface::AllIntfStatusLocalDir>(*entityManager, localPath().view())),
       phy_(fedEntity<Interface::AllEthPhyIntfStatusDir>(*entityManager, phyPath)),
       config_(fedEntity<Interface::AllEthPhyIntfConfigDir>(*entityManager, configPath)),
       kernel_(fedEntity<KernelNetInfo::Status>(*entityManager, kernelPath)) {
@@ -57,7 +51,7 @@ LinksFeeder::LinksFeeder(const Rex::Ptr<Statestore::EntityManager>& entityManage
 }
 
 std::set<std::string> LinksFeeder::fedPaths() {
-   return {allPath, phyPath, kernelPath, localPath().stdString()};
+   return {phyPath, kernelPath};
 }
 
 // The first devices are named together, in the order of their indices.
@@ -128,15 +122,11 @@ void LinksFeeder::add(const Link& link, const Port& port) {
    Rex::log(portNamed, intfId, Rex::String(link.name), Rex::String(port.identity));
    ports_[link.ifIndex] = port;
    devicesByPort_[intfId] = link.name;
-   auto status = Rex::make<Interface::IntfStatus>(intfId);
-   status->ifIndexIs(link.ifIndex);
-   status->deviceNameIs(link.name);
    auto phy = Rex::make<Interface::EthPhyIntfStatus>(intfId);
    fill(*phy, link);
    auto config = Rex::make<Interface::EthPhyIntfConfig>(intfId);
    config->descriptionIs(link.alias);
-   all_->intfStatusIs(status);
-   local_->intfStatusIs(status);
+   intfs_.intfIs(link, intfId);
    config_->intfConfigIs(config);
    phy_->intfStatusIs(phy);
 }
@@ -149,13 +139,13 @@ void LinksFeeder::update(const Link& before, const Link& after, const Wirekit::I
 }
 
 void LinksFeeder::remove(std::map<int32_t, Port>::iterator at) {
-   Wirekit::IntfId intfId = at->second.intfId;
+   auto [ifIndex, port] = *at;
+   const Wirekit::IntfId& intfId = port.intfId;
    ports_.erase(at);
    devicesByPort_.erase(intfId);
    phy_->intfStatusDel(intfId);
    config_->intfConfigDel(intfId);
-   local_->intfStatusDel(intfId);
-   all_->intfStatusDel(intfId);
+   intfs_.intfDel(ifIndex);
 }
 
 void LinksFeeder::feedKernelView(const Link* before, const Link* after) {

@@ -1,5 +1,4 @@
-// Fills the interfaces' entities from the devices: status and configuration of physical interfaces,
-// and the directories of interfaces of every kind.
+// Fills the ports' entities from the devices: status and configuration of physical interfaces.
 #pragma once
 
 #include <functional>
@@ -10,8 +9,8 @@
 #include "Foreign/KernelNetInfo.h"
 #include "Interface/EthPhyIntfConfig.h"
 #include "Interface/EthPhyIntfStatus.h"
-#include "Interface/IntfStatus.h"
 #include "Statestore/EntityManager.h"
+#include "host/Feeders/Intfs.h"
 #include "host/Feeders/Links.h"
 #include "host/Feeders/ServedDevices.h"
 #include "host/PortNames.h"
@@ -23,7 +22,7 @@ class LinksFeeder {
    using Identity = std::function<std::string(const Link&)>;
    // Starts with the links that stand, and follows `links` as long as both live.
    LinksFeeder(const Rex::Ptr<Statestore::EntityManager>& entityManager, Links& links,
-               const ServedDevices& devices, PortNames& names, Identity identity);
+               const ServedDevices& devices, Intfs& intfs, PortNames& names, Identity identity);
 
    // The store's paths that nobody else writes. The description in an interface's configuration is
    // not among them: it is the operator's too, and the later word counts.
@@ -50,10 +49,9 @@ class LinksFeeder {
 
    const Links& links_;
    const ServedDevices& devices_;
+   Intfs& intfs_;
    PortNames& names_;
    const Identity identity_;
-   Interface::AllIntfStatusDir::Ptr all_;
-   Interface::AllIntfStatusLocalDir::Ptr local_;
    Interface::AllEthPhyIntfStatusDir::Ptr phy_;
    Interface::AllEthPhyIntfConfigDir::Ptr config_;
    KernelNetInfo::Status::Ptr kernel_;

@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "host/Feeders/LinuxLinks.h"
+#include "host/Feeders/LinuxNetwork.h"
 
 namespace Host {
 namespace {

@@ -160,6 +160,7 @@ class HashMap {
          entry.key = K();
          entry.value = V();
          --table->live;
+         vacate(*table, entry.hash, at);
          closeGaps(*table);
       }
       drop(table);
@@ -213,6 +214,21 @@ class HashMap {
       size_t slot = spread(hash) & mask;
       while (table.slots[slot]) slot = (slot + 1) & mask;
       table.slots[slot] = static_cast<uint32_t>(at + 1);
+   }
+   // What stands behind moves up, so that a key that comes and goes leaves no trail to be searched.
+   static void vacate(Table& table, size_t hash, size_t at) {
+      auto& slots = table.slots;
+      if (slots.empty()) return;
+      size_t mask = slots.size() - 1;
+      size_t hole = spread(hash) & mask;
+      while (slots[hole] != at + 1) hole = (hole + 1) & mask;
+      for (size_t next = (hole + 1) & mask; slots[next]; next = (next + 1) & mask) {
+         size_t home = spread(table.entries[slots[next] - 1].hash) & mask;
+         if (((next - home) & mask) < ((next - hole) & mask)) continue;
+         slots[hole] = slots[next];
+         hole = next;
+      }
+      slots[hole] = 0;
    }
    static void rebuild(Table& table) {
       auto& entries = table.entries;

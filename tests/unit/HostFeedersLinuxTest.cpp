@@ -227,6 +227,59 @@ TEST(FeedersLinux, aDeviceVanishesAndReturns) {
    });
 }
 
+// The interface's addresses as they are told: the active one first.
+std::string addresses(Bench& bench, const char* intf) {
+   std::string all;
+   if (auto row = bench.get<Ip::Status>("ip/status")->ipIntfStatus(IntfId(intf))) {
+      all = row->activeAddrWithMask().stringValue().stdString();
+      for (auto [addr, counts] : row->secondaryWithMask()) {
+         all += " " + addr.stringValue().stdString();
+      }
+   }
+   if (auto row = bench.get<Ip6::Status>("ip6/status")->ipIntfStatus(IntfId(intf))) {
+      for (auto [addr, info] : row->addr()) {
+         if (!addr.addr().isLinkLocal()) all += " " + addr.stringValue().stdString();
+      }
+   }
+   return all;
+}
+
+TEST(FeedersLinux, addressesAreFollowed) {
+   inNamespace([] {
+      makePair("a", "b");
+      ip("link set dev lo up");
+      ip("addr add 10.9.9.9/32 dev lo");
+      ip("addr add 10.0.0.1/24 dev a");
+      ip("addr add 10.0.0.2/24 dev a");
+      ip("link add name br0 type bridge");
+      Bench bench({"a"});
+      bench.feeders.start();
+      auto tells = [&](const char* intf, const std::string& expected) {
+         bool told = bench.until([&] { return addresses(bench, intf) == expected; });
+         EXPECT_TRUE(told) << addresses(bench, intf) << " instead of " << expected;
+      };
+      tells("Ethernet1", "10.0.0.1/24 10.0.0.2/24");
+      tells("Loopback0", "10.9.9.9/32");
+      ip("addr add 10.1.0.1/24 dev br0");
+      tells("Vlan1", "10.1.0.1/24");
+      ip("addr add 2001:db8::1/64 dev a");
+      ip("addr add 10.0.0.3/24 dev a");
+      tells("Ethernet1", "10.0.0.1/24 10.0.0.2/24 10.0.0.3/24 2001:db8::1/64");
+      ASSERT_EQ(std::system("echo 1 > /proc/sys/net/ipv4/conf/all/promote_secondaries"), 0);
+      ip("addr del 10.0.0.1/24 dev a");
+      tells("Ethernet1", "10.0.0.2/24 10.0.0.3/24 2001:db8::1/64");
+      ASSERT_EQ(std::system("echo 0 > /proc/sys/net/ipv4/conf/all/promote_secondaries; "
+                            "echo 0 > /proc/sys/net/ipv4/conf/a/promote_secondaries"),
+                0);
+      ip("addr del 10.0.0.2/24 dev a");
+      ip("addr del 2001:db8::1/64 dev a");
+      tells("Ethernet1", "0.0.0.0/0");
+      ip("link del dev br0");
+      EXPECT_TRUE(bench.until([&] { return bench.ifIndex("Vlan1") == 0; }));
+      EXPECT_EQ(addresses(bench, "Vlan1"), "");
+   });
+}
+
 // More changes than there is room for, and nobody listens meanwhile; `last` come at their end.
 void ipFlood(Bench& bench, const std::string& last) {
    std::ofstream batch(bench.folder.path + "/batch");
@@ -245,7 +298,11 @@ TEST(FeedersLinux, lostNews) {
       bench.feeders.start();
       IntfId a = bench.feeders.ports().begin()->first;
       shrinkNews();
-      ipFlood(bench, "link del dev c\nlink set dev a mtu 1333\n");
+      ip("addr add 10.0.0.1/24 dev a");
+      ip("addr add 10.0.0.9/24 dev c");
+      ipFlood(bench,
+              "link del dev c\naddr add 10.0.0.2/24 dev a\n"
+              "link set dev a mtu 1333\n");
       bench.context.takeLogs();
       EXPECT_TRUE(bench.until([&] {
          return bench.feeders.ports().size() == 1 && bench.phy("Ethernet1")->maxMtu() == 1333;
@@ -253,9 +310,14 @@ TEST(FeedersLinux, lostNews) {
       auto logs = bench.context.takeLogs();
       ASSERT_FALSE(logs.empty()) << "nothing was lost, so nothing was tested";
       EXPECT_TRUE(logs.front().starts_with("HOST_LINK_NEWS_LOST")) << logs.front();
+      EXPECT_EQ(addresses(bench, "Ethernet1"), "10.0.0.1/24 10.0.0.2/24");
+      EXPECT_EQ(addresses(bench, "Ethernet2"), "");
       // The news go on.
       ip("link set dev a mtu 1444");
+      ip("addr add 10.0.0.3/24 dev a");
       EXPECT_TRUE(bench.until([&] { return bench.phy("Ethernet1")->maxMtu() == 1444; }));
+      EXPECT_TRUE(bench.until(
+          [&] { return addresses(bench, "Ethernet1") == "10.0.0.1/24 10.0.0.2/24 10.0.0.3/24"; }));
    });
 }
 

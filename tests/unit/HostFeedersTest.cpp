@@ -1,31 +1,18 @@
 // What the feeders make of devices, given by hand.
 #include <gtest/gtest.h>
-#include <linux/if.h>
 
 #include "Rex/StateMachine.h"
 #include "host/Feeders/BridgingFeeder.h"
 #include "host/Feeders/HostFeeder.h"
 #include "host/Feeders/LinksFeeder.h"
 #include "support/TestContext.h"
-#include "unit/HostFeedersFolder.h"
+#include "unit/HostFedSwitch.h"
 
 namespace Host {
 namespace {
 
 using Wirekit::EthAddr;
 using Wirekit::IntfId;
-
-Link device(int32_t ifIndex, const std::string& name, const std::string& kind = "veth") {
-   Link link;
-   link.ifIndex = ifIndex;
-   link.name = name;
-   link.kind = kind;
-   link.ethAddr = EthAddr(2, 0, 0, 0, 0, static_cast<uint8_t>(ifIndex));
-   link.mtu = 1500;
-   link.ethernet = link.adminUp = link.carrier = true;
-   link.operState = IF_OPER_UP;
-   return link;
-}
 
 TEST(Links, state) {
    struct {
@@ -75,12 +62,12 @@ TEST(Links, whichArePorts) {
 
 TEST(Links, aFullReadTellsTheDifferences) {
    Links links;
-   links.linksAre({device(1, "a"), device(2, "b"), device(3, "c")});
+   links.linksAre(devices({device(1, "a"), device(2, "b"), device(3, "c")}));
    std::vector<std::string> told;
    links.listenerIs([&](const Link* before, const Link* after) {
       told.push_back((before ? before->name : "-") + ">" + (after ? after->name : "-"));
    });
-   links.linksAre({device(1, "a"), device(3, "b"), device(4, "d")});
+   links.linksAre(devices({device(1, "a"), device(3, "b"), device(4, "d")}));
    EXPECT_EQ(told, (std::vector<std::string>{"b>-", "c>b", "->d"}));
    EXPECT_EQ(links.named("b")->ifIndex, 3);
    EXPECT_EQ(links.named("c"), nullptr);
@@ -131,7 +118,7 @@ TEST(BridgingFeeder, theLongestFrame) {
    for (auto [mtu, octets] :
         {std::pair(1500u, 1518), {9214u, 9232}, {65535u, 65535}, {4294967295u, 65535}}) {
       jumbo.mtu = mtu;
-      links.linksAre({device(1, "a"), jumbo});
+      links.linksAre(devices({device(1, "a"), jumbo}));
       EXPECT_EQ(BridgingFeeder::maxFrameSize(links, ServedDevices()), octets);
    }
 }
@@ -219,8 +206,8 @@ using Told = std::vector<std::string>;
 class LinksFeederTest : public testing::Test {
  protected:
    LinksFeederTest() {
-      links.linksAre({device(2, "a"), device(3, "b"), device(4, "br0", "bridge")});
-      feeder.emplace(manager, links, devices, names,
+      links.linksAre(devices({device(2, "a"), device(3, "b"), device(4, "br0", "bridge")}));
+      feeder.emplace(manager, links, served, intfs, names,
                      [](const Link& link) { return "name:" + link.name; });
       order.emplace(*manager);
    }
@@ -228,7 +215,8 @@ class LinksFeederTest : public testing::Test {
    LldpTest::TestContext context;
    Rex::Ptr<Statestore::EntityManager> manager = Rex::make<Statestore::EntityManager>();
    Links links;
-   ServedDevices devices;
+   ServedDevices served;
+   Intfs intfs{*manager};
    TestFolder folder;
    PortNames names{{}, folder.path + "/ports.json"};
    std::optional<LinksFeeder> feeder;
@@ -288,7 +276,7 @@ TEST_F(LinksFeederTest, followsADeviceInPlace) {
 
 // A full read after lost news shows two devices with their names exchanged.
 TEST_F(LinksFeederTest, devicesThatExchangeTheirNames) {
-   links.linksAre({device(2, "b"), device(3, "a"), device(4, "br0", "bridge")});
+   links.linksAre(devices({device(2, "b"), device(3, "a"), device(4, "br0", "bridge")}));
    EXPECT_EQ(feeder->ports(), (std::map<IntfId, std::string>{{IntfId("Ethernet1"), "a"},
                                                              {IntfId("Ethernet2"), "b"}}));
    EXPECT_EQ(order->all("Ethernet1")->ifIndex(), 3);
@@ -314,11 +302,12 @@ TEST_F(LinksFeederTest, devicesWithOneIdentity) {
    TestFolder other;
    PortNames fresh({}, other.path + "/ports.json");
    Links twins;
-   twins.linksAre({device(2, "a", ""), device(3, "b", "")});
+   twins.linksAre(devices({device(2, "a", ""), device(3, "b", "")}));
    auto tree = std::make_shared<Statestore::Tree>();
    context.context().serviceIs<Statestore::Tree>(tree);
-   LinksFeeder feeder(Rex::make<Statestore::EntityManager>(), twins, devices, fresh,
-                      [](const Link&) { return "mac:same"; });
+   auto manager = Rex::make<Statestore::EntityManager>();
+   Intfs intfs(*manager);
+   LinksFeeder feeder(manager, twins, served, intfs, fresh, [](const Link&) { return "mac:same"; });
    twins.linkIs(device(4, "c", ""));
    EXPECT_EQ(feeder.ports().size(), 3u);
 }

@@ -67,6 +67,7 @@ TEST(HostOptions, AWrongOneIsNamedInOneLine) {
        {{"--port", "Ethernet1=a", "--port", "Ethernet2=a"}, {"Ethernet2=a"}},
        {{"--feeders", "dreams"}, {"--feeders", "dreams"}},
        {{"--feeders", "none", "eth0"}, {"--feeders", "links"}},
+       {{"--feeders", "addresses,host"}, {"--feeders", "links"}},
        {{"--trace", "Nothing"}, {"--trace", "Nothing"}},
        {{"--trace", "A=10"}, {"--trace", "A=10"}},
        {{"--trace", "A=1,"}, {"A=1,"}},

@@ -1,0 +1,50 @@
+#include "host/Feeders/Intfs.h"
+
+#include "Statestore/Cell.h"
+#include "host/Feeders/FedEntity.h"
+
+namespace Host {
+namespace {
+
+constexpr const char* allPath = "interface/status/all";
+
+Rex::String localPath() {
+   return Cell::path("interface/status/local", 0);
+}
+
+}  // namespace
+
+Intfs::Intfs(Statestore::EntityManager& entityManager)
+    : everywhere_(fedEntity<Interface::AllIntfStatusDir>(entityManager, allPath)),
+      local_(fedEntity<Interface::AllIntfStatusLocalDir>(entityManager, localPath().view())) {}
+
+std::set<std::string> Intfs::fedPaths() {
+   return {allPath, localPath().stdString()};
+}
+
+void Intfs::intfIs(const Link& link, const Wirekit::IntfId& intfId) {
+   all_[link.ifIndex] = intfId;
+   auto status = Rex::make<Interface::IntfStatus>(intfId);
+   status->ifIndexIs(link.ifIndex);
+   status->deviceNameIs(link.name);
+   everywhere_->intfStatusIs(status);
+   local_->intfStatusIs(status);
+   for (const Listener& came : came_) came(link.ifIndex, intfId);
+}
+
+void Intfs::intfDel(int32_t ifIndex) {
+   auto at = all_.find(ifIndex);
+   if (at == all_.end()) return;
+   for (const Listener& goes : goes_) goes(ifIndex, at->second);
+   Wirekit::IntfId intfId = at->second;
+   all_.erase(at);
+   local_->intfStatusDel(intfId);
+   everywhere_->intfStatusDel(intfId);
+}
+
+const Wirekit::IntfId* Intfs::at(int32_t ifIndex) const {
+   auto at = all_.find(ifIndex);
+   return at == all_.end() ? nullptr : &at->second;
+}
+
+}  // namespace Host
