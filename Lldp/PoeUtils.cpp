@@ -20,8 +20,8 @@ constexpr uint8_t portClassPse = 0x01;
 constexpr uint8_t psePowerSupported = 0x02;
 constexpr uint8_t psePowerEnabled = 0x04;
 
-// In tenths of a watt: what a type 1 PSE feeds at most, and the field's largest value.
-constexpr uint32_t mostOfType1 = 154;
+// In tenths of a watt, at the device: what a type 1 PSE feeds at most, and the field's largest.
+constexpr uint32_t mostOfType1 = 130;
 constexpr uint32_t mostPower = 999;
 
 enum PowerType : uint8_t { type2Pse = 0, type1Pse = 2 };
@@ -38,28 +38,19 @@ void putShortForm(char* info, const PortStatus& port, bool enabled) {
    info[2] = static_cast<char>(std::min<int>(port.powerClass, 4) + 1);
 }
 
-// A PSE repeats what the device asks for, so that the device sees which request was answered.
-int putExtendedForm(char* info, const PortStatus& port, uint16_t requested, uint32_t allocated) {
-   uint8_t type = allocated > mostOfType1 ? type2Pse : type1Pse;
+// A PSE repeats what the device asks for, so that the device sees which request was answered. Its
+// type follows from what it would give at most, whether or not it feeds now.
+int putExtendedForm(char* info, const PortStatus& port, uint16_t requested, uint32_t offered,
+                    uint32_t allocated) {
+   uint8_t type = offered > mostOfType1 ? type2Pse : type1Pse;
    info[3] = static_cast<char>(type << 6 | primarySource << 4 | (port.priority & 0x03));
-   put16(info + 4, requested);
+   put16(info + 4, powerField(requested));
    put16(info + 6, powerField(allocated));
    return extendedFormLen;
 }
 
 uint16_t requestOf(const Lldp::RemoteSystem::PtrConst& remoteSystem) {
    return remoteSystem ? remoteSystem->powerViaMdiInfo().pdRequestedPower : uint16_t{0};
-}
-
-// The request that a fallback answers: with nobody chosen, that of the one neighbour that asks.
-uint16_t requestOf(const Lldp::PortStatus& portStatus) {
-   uint16_t requested = 0;
-   for (auto [index, remoteSystem] : portStatus.remoteSystem()) {
-      uint16_t request = requestOf(Lldp::RemoteSystem::PtrConst(remoteSystem));
-      if (request && requested) return 0;
-      if (request) requested = request;
-   }
-   return requested;
 }
 
 }  // namespace
@@ -70,20 +61,19 @@ int buildPowerViaMdiTlv(char* info, const Lldp::LocalPortPoeInfo& poeInfo, bool 
    if (!tlvReceived) return shortFormLen;
    // What is allocated while nothing is fed would be a promise that nobody keeps.
    uint32_t allocated = port.state == poePortDelivering ? port.allowedPower : 0;
-   return putExtendedForm(info, port, requestOf(poeInfo.remoteSystem()), allocated);
+   return putExtendedForm(info, port, requestOf(poeInfo.remoteSystem()), port.allowedPower,
+                          allocated);
 }
 
 int maybeBuildFallbackPowerViaMdiTlv(char* info, const Lldp::LocalPortPoeInfo& poeInfo,
                                      bool tlvReceived, Rex::Ptr<const Lldp::PortConfig> portConfig,
-                                     Rex::Ptr<Lldp::PortStatus> portStatus) {
+                                     Rex::Ptr<Lldp::PortStatus> /*portStatus*/) {
    uint32_t allocated = portConfig->poeAllocatedPowerFallback();
    if (allocated == 0) return 0;
    const PortStatus& port = poeInfo.poePortStatus();
    putShortForm(info, port, true);
    if (!tlvReceived) return shortFormLen;
-   uint16_t requested =
-       poeInfo.remoteSystem() ? requestOf(poeInfo.remoteSystem()) : requestOf(*portStatus);
-   return putExtendedForm(info, port, requested, allocated);
+   return putExtendedForm(info, port, requestOf(poeInfo.remoteSystem()), allocated, allocated);
 }
 
 }  // namespace Lldp::Agent::PoeUtils

@@ -1,11 +1,9 @@
 // The codec alone: one frame in, or one frame out.
 #include <benchmark/benchmark.h>
 
-#include "Lldp/LldpProtocol/TxLldpdu.h"
-#include "Lldp/LldpProtocolSm/Root.h"
 #include "Rex/Pool.h"
-#include "support/CodecPort.h"
-#include "support/FrameBuilder.h"
+#include "support/CodecSender.h"
+#include "support/OrganisationTlvs.h"
 #include "support/TestContext.h"
 
 namespace {
@@ -18,15 +16,21 @@ Lldp::RemoteSystem::PtrConst receive(CodecPort& port, std::string& lldpdu) {
                                        port.portConfig, port.status, port.portStatus, port.srcAddr);
 }
 
-void refreshUnchanged(benchmark::State& state) {
+void refresh(benchmark::State& state, std::string lldpdu) {
    TestContext context;
    CodecPort port;
-   std::string lldpdu = typicalLldpdu();
    receive(port, lldpdu);
    for (auto _ : state) benchmark::DoNotOptimize(receive(port, lldpdu));
    state.counters["octets"] = static_cast<double>(lldpdu.size());
 }
+void refreshUnchanged(benchmark::State& state) {
+   refresh(state, typicalLldpdu());
+}
+void refreshEveryTlv(benchmark::State& state) {
+   refresh(state, everyTlvLldpdu());
+}
 BENCHMARK(refreshUnchanged);
+BENCHMARK(refreshEveryTlv);
 
 void oneChangedAttribute(benchmark::State& state) {
    TestContext context;
@@ -52,11 +56,11 @@ void newNeighbourAndShutdown(benchmark::State& state) {
 BENCHMARK(newNeighbourAndShutdown);
 
 // Neighbours of a full table, each of them new; also the memory that each takes, all told.
-void newNeighbour(benchmark::State& state) {
+void newNeighbours(benchmark::State& state, std::string (*lldpduOf)(uint32_t n)) {
    TestContext context;
    constexpr uint32_t neighbours = 256;
    std::vector<std::string> lldpdus;
-   for (uint32_t n = 0; n < neighbours; ++n) lldpdus.push_back(typicalLldpdu(n));
+   for (uint32_t n = 0; n < neighbours; ++n) lldpdus.push_back(lldpduOf(n));
    size_t memory = 0;
    for (auto _ : state) {
       state.PauseTiming();
@@ -71,36 +75,37 @@ void newNeighbour(benchmark::State& state) {
    state.SetItemsProcessed(state.iterations() * neighbours);
    state.counters["octets_per_neighbour"] = static_cast<double>(memory) / neighbours;
 }
+void newNeighbour(benchmark::State& state) {
+   newNeighbours(state, [](uint32_t n) { return typicalLldpdu(n); });
+}
+void newNeighbourEveryTlv(benchmark::State& state) {
+   newNeighbours(state, everyTlvLldpdu);
+}
 BENCHMARK(newNeighbour);
+BENCHMARK(newNeighbourEveryTlv);
 
+void build(benchmark::State& state, const CodecSender& sender) {
+   char buffer[1500];
+   for (auto _ : state) benchmark::DoNotOptimize(sender.build(buffer, buffer + sizeof buffer));
+}
 void buildFrame(benchmark::State& state) {
    TestContext context;
-   CodecPort port;
-   auto localSystem = Rex::make<Lldp::LocalSystem>();
-   auto mac = be16(0x0200) + be32(1);
-   localSystem->chassisIdentifierIs(
-       {Lldp::ChassisIdSubtype::macAddress, Lldp::ChassisId(mac.data(), mac.size())});
-   localSystem->sysNameIs(Lldp::BoundedString255(Rex::String("switch-a.example.net")));
-   localSystem->sysDescIs(Lldp::BoundedString255(Rex::String(std::string(120, 'd'))));
-   Lldp::ManagementAddress address;
-   address.key = {1, Lldp::ManAddress("\x0A\x00\x00\x01", 4)};
-   localSystem->managementAddressIs(address);
-   localSystem->managementAddressPrioIs({}, address.key);
-   auto localPort = localSystem->localPortIs(port.intfId);
-   localPort->portIdentifierIs(
-       {Lldp::PortIdSubtype::interfaceName, Lldp::PortId(port.intfId.stringValue())});
-   localPort->portDescIs(Lldp::BoundedString255(Rex::String("Uplink, row 7")));
-   port.portConfig->enabledTlvsIs({0x0F});
-   port.portConfig->mgmtAddrTxEnableIs(true);
-   auto root = Rex::make<Lldp::Agent::Protocol::Root>("bench");
-   root->configIs(port.config);
-   root->localSystemIs(localSystem);
-   char buffer[1500];
-   for (auto _ : state) {
-      benchmark::DoNotOptimize(Lldp::Agent::buildTxLldpdu(
-          buffer, buffer + sizeof buffer, root, localPort, port.portConfig, port.portStatus));
-   }
+   CodecSender sender;
+   sender.sayBasics({"\x0A\x01\x01\x01"});
+   sender.localSystem->sysNameIs(Lldp::BoundedString255(Rex::String("switch-a.example.net")));
+   sender.localSystem->sysDescIs(Lldp::BoundedString255(Rex::String(std::string(120, 'd'))));
+   sender.localPort->portDescIs(Lldp::BoundedString255(Rex::String("Uplink, row 7")));
+   build(state, sender);
+}
+// With every TLV of the organisations that is sent.
+void buildEveryTlv(benchmark::State& state) {
+   TestContext context;
+   CodecSender sender;
+   sender.sayBasics();
+   sender.sayOrganisations();
+   build(state, sender);
 }
 BENCHMARK(buildFrame);
+BENCHMARK(buildEveryTlv);
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 
 #include "cli/Agent.h"
 
@@ -16,22 +17,30 @@ size_t countNeighbors(Agent& agent) {
    return count;
 }
 
-// A request clears what stands when it comes, before it is answered.
-void run(Session& session) {
+// A request clears what stands when it comes, before it is answered. What stands after it was not
+// cleared, or is back already.
+void run(bool json, Session& session) {
    Agent agent(session);
    size_t count = countNeighbors(agent);
    agent.client().change("PATCH", "/v1/entity/l2discovery/lldp/remTablesCliConfig",
                          {{"remTablesClearRequest",
                            {{"requesterName", session.user}, {"requesterLine", session.line}}}});
-   session.out << fmt::format("{} neighbor{} cleared\n", count, count == 1 ? "" : "s");
+   count -= std::min(count, countNeighbors(agent));
+   if (json) {
+      session.out << Json{{"cleared", count}}.dump() << "\n";
+   } else {
+      session.out << fmt::format("{} neighbor{} cleared\n", count, count == 1 ? "" : "s");
+   }
 }
 
 }  // namespace
 
 void addClearNeighbors(CLI::App& clear, Session& session) {
    CLI::App* command = clear.add_subcommand("neighbors", "forgets all neighbors until they speak");
+   auto json = std::make_shared<bool>(false);
    command->fallthrough();
-   command->callback([&session] { run(session); });
+   command->add_flag("--json", *json, "as JSON for scripts");
+   command->callback([json, &session] { run(*json, session); });
 }
 
 }  // namespace LldpCli

@@ -98,6 +98,21 @@ void parse(CLI::App& app, const std::vector<std::string>& words, Session& sessio
    app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
 }
 
+// What may stand where a word was not understood: behind the last command that was.
+std::string expectedWords(const CLI::App& app) {
+   const CLI::App* last = &app;
+   while (!last->get_subcommands().empty()) last = last->get_subcommands().front();
+   std::vector<std::string> words;
+   for (const CLI::App* command : last->get_subcommands({})) words.push_back(command->get_name());
+   for (const CLI::Option* option : last->get_options()) {
+      if (last->get_parent() && option != last->get_help_ptr()) {
+         words.push_back(option->get_name(option->get_positional()));
+      }
+   }
+   return fmt::format("'{}' takes {}", last->get_name(),
+                      words.empty() ? "no more words" : fmt::format("{}", fmt::join(words, ", ")));
+}
+
 void collectHelp(const CLI::App& app, const std::string& before, std::vector<std::string>& texts) {
    texts.push_back(app.help(before));
    for (const CLI::App* command : app.get_subcommands({})) {
@@ -118,6 +133,10 @@ int runCommandLine(const std::vector<std::string>& words, Session session, std::
       parse(app, words, session);
       session.out.flush();
       return session.out ? 0 : complain(failed, "cannot write the output");
+   } catch (const CLI::ExtrasError&) {
+      return complain(misused,
+                      fmt::format("'{}' is not expected here: {}; see lldp --help",
+                                  Rex::printable(app.remaining(true).front()), expectedWords(app)));
    } catch (const CLI::ParseError& error) {
       if (error.get_exit_code() == 0) return app.exit(error, session.out, err);
       return complain(misused, Rex::printable(error.what()) + "; see lldp --help");

@@ -10,18 +10,24 @@
 namespace LldpCli {
 namespace {
 
-void run(Session& session) {
+void run(bool json, Session& session) {
    Client client(session.socketPath, session.patience);
    Json answer = client.change("POST", "/v1/config/save");
-   session.out << fmt::format("saved to {}\n", text(answer.at("file")));
+   if (json) {
+      session.out << answer.dump(-1, ' ', true) << "\n";
+   } else {
+      session.out << fmt::format("saved to {}\n", text(answer.at("file")));
+   }
 }
 
 }  // namespace
 
 void addConfigSave(CLI::App& config, Session& session) {
    CLI::App* command = config.add_subcommand("save", "keeps the settings over a restart");
+   auto json = std::make_shared<bool>(false);
    command->fallthrough();
-   command->callback([&session] { run(session); });
+   command->add_flag("--json", *json, "as JSON for scripts");
+   command->callback([json, &session] { run(*json, session); });
 }
 
 }  // namespace LldpCli

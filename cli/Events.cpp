@@ -3,12 +3,14 @@
 #include <fmt/format.h>
 #include <time.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
 #include "Rex/Printable.h"
+#include "cli/BasicTlvs.h"
+#include "cli/Names.h"
 #include "cli/Neighbor.h"
-#include "cli/Tlvs.h"
 
 namespace LldpCli {
 namespace {
@@ -45,6 +47,18 @@ std::string changes(const Json& view) {
    return words.empty() ? listWords(names) : words;
 }
 
+// In the JSON for scripts; a value and its flag are one there.
+Json changedNames(const Json& attributes) {
+   Json names = Json::array();
+   for (const Json& attribute : attributes) {
+      auto own = attribute.get<std::string>();
+      const NeighborItem* item = neighborItem(own);
+      std::string name = item ? item->name : Rex::printable(own);
+      if (std::ranges::find(names, Json(name)) == names.end()) names.push_back(name);
+   }
+   return names;
+}
+
 std::string words(const std::string& event, const Json& view) {
    if (event == "port-up") return "port up";
    if (event == "port-down") return "port down";
@@ -77,9 +91,7 @@ Json eventView(const std::string& name, const Json& data, double behind) {
    if (data.contains("reason"))
       view["reason"] = Rex::printable(data.at("reason").get<std::string>());
    if (data.contains("changed")) {
-      Json changed = Json::array();
-      for (const Json& attribute : data.at("changed")) changed.push_back(neighborItem(attribute));
-      view["changed"] = changed;
+      view["changed"] = changedNames(data.at("changed"));
    }
    if (data.contains("neighbor")) {
       view["neighbor"] = neighbor(port, data.at("neighbor"), data.at("time").get<double>());

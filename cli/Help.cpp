@@ -43,6 +43,7 @@ const auto statusLines = std::to_array<HelpLine>({
 });
 
 const auto environmentLines = std::to_array<HelpLine>({
+    {"LLDP_SOCKET", "the agent's socket where --socket does not name one"},
     {"NO_COLOR", "no colours on a terminal, when set and not empty"},
     {"TERM", "no colours where it is 'dumb' or not set"},
 });

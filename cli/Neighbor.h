@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/Client.h"
+#include "cli/NeighborItem.h"
 #include "cli/Table.h"
 
 namespace LldpCli {
@@ -22,10 +23,10 @@ std::string neighborName(const Json& neighbor);
 // Whether its time has run out.
 bool isOver(const Json& neighbor);
 
-// The name in the JSON for scripts of what an attribute of the agent's entity holds; for one that
-// is not in that JSON the attribute's own.
-std::string neighborItem(const std::string& attribute);
-// What it now says where one of those names has changed.
+// What an attribute of the agent's entity holds, or tells to have been sent; null for one that is
+// not in the JSON.
+const NeighborItem* neighborItem(const std::string& attribute);
+// What it now says under these names in the JSON.
 Fields changedFields(const Json& neighbor, const Json& names);
 
 }  // namespace LldpCli

@@ -28,16 +28,20 @@ constexpr auto kinds = std::to_array<Kind>({{"Ethernet", 3}, {"Management", 2}})
        Rex::printable(part), part == list ? "" : " in '" + Rex::printable(list) + "'"));
 }
 
-// How many numbers with slashes between them make up the text; 0 for any other.
+// How many numbers with slashes between them make up the text; 0 for any other, and for a number
+// with leading zeros.
 size_t numbersIn(std::string_view text) {
    size_t count = 1;
    size_t digits = 0;
+   char last = 0;
    for (char c : text) {
       bool digit = c >= '0' && c <= '9';
       if (!digit && (c != '/' || digits == 0)) return 0;
+      if (digit && digits == 1 && last == '0') return 0;
       digits = digit ? digits + 1 : 0;
       count += digit ? 0 : 1;
       if (digits > mostDigits) return 0;
+      last = c;
    }
    return digits > 0 ? count : 0;
 }

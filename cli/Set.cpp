@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <set>
 
 #include "cli/Agent.h"
 #include "cli/Failure.h"
@@ -13,6 +14,7 @@ namespace LldpCli {
 namespace {
 
 using Words = std::vector<std::string>;
+using PortSet = std::set<std::string, PortOrder>;
 
 // The changes of one call, and the words that each came from.
 struct Changes {
@@ -82,29 +84,61 @@ void apply(Client& client, const Changes& changes) {
    }
 }
 
-void runSet(const Words& words, Session& session) {
-   Changes changes;
-   for (const Typed& typed : readSettings(words, true)) addSetting(changes, typed);
-   Client client(session.socketPath, session.patience);
-   apply(client, changes);
+// A port may come later, or its name may be a slip.
+PortSet missingPorts(const std::vector<Typed>& settings, Session& session) {
+   PortSet missing;
+   for (const Typed& typed : settings) missing.insert(typed.ports.begin(), typed.ports.end());
+   if (missing.empty()) return {};
+   try {
+      for (const std::string& port : Agent(session).portNames()) missing.erase(port);
+   } catch (const Failure&) {
+      return {};  // what was set is set
+   }
+   return missing;
 }
 
-void runUnset(const Words& words, Session& session) {
+void tell(const PortSet& missing, bool json, Session& session) {
+   if (json) {
+      Json answer = Json::object();
+      if (!missing.empty()) answer["missing"] = missing;
+      session.out << answer.dump() << "\n";
+   } else if (!missing.empty()) {
+      session.out << fmt::format("not there yet, but set for when it comes: {}\n",
+                                 fmt::join(missing, ", "));
+   }
+}
+
+// Changes settings; returns the ports among them that are not there.
+PortSet runSet(const Words& words, Session& session) {
+   std::vector<Typed> settings = readSettings(words, true);
+   Changes changes;
+   for (const Typed& typed : settings) addSetting(changes, typed);
+   {
+      Client client(session.socketPath, session.patience);
+      apply(client, changes);
+   }
+   return missingPorts(settings, session);
+}
+
+PortSet runUnset(const Words& words, Session& session) {
    std::vector<Typed> settings = readSettings(words, false);
    Client client(session.socketPath, session.patience);
    Changes changes;
    for (const Typed& typed : settings) addUnsetting(changes, typed, client);
    apply(client, changes);
+   return {};
 }
 
 void add(CLI::App& app, Session& session, const char* name, const char* description,
-         void (*run)(const Words&, Session&)) {
+         PortSet (*run)(const Words&, Session&)) {
    auto words = std::make_shared<Words>();
    CLI::App* command = app.add_subcommand(name, description);
    command->fallthrough();
    command->add_option("SETTING", *words, "one setting after another, as below")->expected(-1);
+   auto json = std::make_shared<bool>(false);
+   command->add_flag("--json", *json, "answers with JSON, for scripts");
    command->footer(settingsHelp(run == runSet));
-   command->callback([words, run, &session] { run(*words, session); });
+   command->callback([words, json, run, &session] { tell(run(*words, session), *json, session); });
 }
 
 }  // namespace

@@ -99,8 +99,10 @@ class Reader {
       if (!typed) return false;
       if (auto number = std::get_if<Number>(&setting.value)) {
          value = numberValue(setting, *number, *typed);
+      } else if (std::holds_alternative<Policies>(setting.value)) {
+         value = policiesValue(setting, *typed);
       } else {
-         value = nameValue(setting, std::get<Name>(setting.value), *typed);
+         value = nameValue(setting, std::get<Word>(setting.value), *typed);
       }
       return true;
    }

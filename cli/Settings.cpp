@@ -9,6 +9,7 @@
 
 #include "Rex/Printable.h"
 #include "cli/Failure.h"
+#include "cli/NetworkPolicies.h"
 
 namespace LldpCli {
 namespace {
@@ -44,11 +45,15 @@ const auto table = std::to_array<Setting>({
     {"tlv power-via-mdi", "tlvPowerViaMdi", onOff, "on", "send Power via MDI"},
     {"tlv network-policy", "tlvNetworkPolicy", onOff, "on", "send Network Policy"},
     {"management-address", "mgmtAddrTxOption", addresses, "best", "which addresses are sent"},
-    {"management-vrf", "mgmtAddrVrf", Name{100}, "default", "VRF of those addresses"},
+    {"management-vrf", "mgmtAddrVrf", Word{100}, "default", "VRF of those addresses"},
     {"ipv6-management-interface", "ip6MgmtAddrIntfName", interfaceName, "",
      "whose IPv6 address is sent"},
     {"port PORTS status", "cliPortConfig/PORTS/adminStatus", directions, "both",
      "what these ports do with LLDP"},
+    {"port PORTS power-fallback", "cliPortConfig/PORTS/poeAllocatedPowerFallback",
+     Number{0, 999, "WATTS", 10}, "0", "power told where PoE tells none"},
+    {"port PORTS network-policy", "cliPortConfig/PORTS/networkPolicyConfig", Policies{}, "none",
+     "what phones are told"},
 });
 
 [[noreturn]] void expected(const Setting& setting, const std::string& what,
@@ -56,7 +61,14 @@ const auto table = std::to_array<Setting>({
    throw Misuse(fmt::format("{}: expected {}, got '{}'", setting.words, what, Rex::printable(got)));
 }
 
-bool isName(const std::string& text, const Name& name) {
+// 154 tenths are 15.4, and 150 are 15.
+std::string typedNumber(const Number& number, unsigned value) {
+   std::string whole = std::to_string(value / number.parts);
+   unsigned rest = value % number.parts;
+   return rest ? fmt::format("{}.{}", whole, rest) : whole;
+}
+
+bool isName(const std::string& text, const Word& name) {
    auto visible = [](char c) { return c > ' ' && c < '\x7F'; };
    return !text.empty() && text.size() <= name.longest && std::ranges::all_of(text, visible);
 }
@@ -72,7 +84,7 @@ std::string quoted(const std::string& name) {
    return out + "'";
 }
 
-std::optional<std::string> typedName(const Json& value, const Name& name) {
+std::optional<std::string> typedName(const Json& value, const Word& name) {
    // A first dash would make it an option.
    bool typable = value.is_string() && isName(value.get<std::string>(), name) &&
                   !value.get<std::string>().starts_with('-');
@@ -110,7 +122,8 @@ std::vector<std::string> wordsOf(const Setting& setting) {
 
 std::string valueForm(const Setting& setting) {
    if (auto number = std::get_if<Number>(&setting.value)) return number->unit;
-   if (std::holds_alternative<Name>(setting.value)) return "NAME";
+   if (std::holds_alternative<Word>(setting.value)) return "NAME";
+   if (std::holds_alternative<Policies>(setting.value)) return "POLICIES";
    std::string form;
    for (const Choice& choice : std::get<Choices>(setting.value)) {
       form += fmt::format("{}{}{}", form.empty() ? "" : "|", choice.word,
@@ -122,9 +135,10 @@ std::string valueForm(const Setting& setting) {
 std::string helpText(const Setting& setting) {
    std::string text(setting.help);
    if (auto number = std::get_if<Number>(&setting.value)) {
-      text += fmt::format(", {} to {}", number->least, number->most);
+      text += fmt::format(", {} to {}", typedNumber(*number, number->least),
+                          typedNumber(*number, number->most));
    }
-   bool quotes = std::holds_alternative<Name>(setting.value) && !setting.standard.empty();
+   bool quotes = std::holds_alternative<Word>(setting.value) && !setting.standard.empty();
    std::string_view standard = setting.standard.empty() ? "none" : setting.standard;
    return fmt::format("{0} (default {2}{1}{2})", text, standard, quotes ? "'" : "");
 }
@@ -133,9 +147,10 @@ std::optional<std::string> typedValue(const Setting& setting, const Json& value)
    if (auto number = std::get_if<Number>(&setting.value)) {
       bool typable = value.is_number_unsigned() && value.get<uint64_t>() >= number->least &&
                      value.get<uint64_t>() <= number->most;
-      return typable ? std::optional(value.dump()) : std::nullopt;
+      return typable ? std::optional(typedNumber(*number, value.get<unsigned>())) : std::nullopt;
    }
-   if (auto name = std::get_if<Name>(&setting.value)) return typedName(value, *name);
+   if (std::holds_alternative<Policies>(setting.value)) return typedPolicies(value);
+   if (auto name = std::get_if<Word>(&setting.value)) return typedName(value, *name);
    for (const Choice& choice : std::get<Choices>(setting.value)) {
       if (auto typed = typedChoice(choice, value)) return typed;
    }
@@ -144,17 +159,34 @@ std::optional<std::string> typedValue(const Setting& setting, const Json& value)
 
 Json numberValue(const Setting& setting, const Number& number, const std::string& word) {
    unsigned value = 0;
+   unsigned rest = 0;
    const char* end = word.data() + word.size();
    auto [behind, error] = std::from_chars(word.data(), end, value);
-   bool good = error == std::errc() && behind == end;
-   if (!good || value < number.least || value > number.most) {
-      expected(setting, fmt::format("a whole number from {} to {}", number.least, number.most),
+   bool good = error == std::errc() && value <= number.most;
+   // One digit behind the point, as there are no more parts than ten.
+   if (good && number.parts == 10 && end - behind == 2 && *behind == '.' && std::isdigit(end[-1])) {
+      rest = static_cast<unsigned>(end[-1] - '0');
+      behind = end;
+   }
+   value = value * number.parts + rest;
+   if (!good || behind != end || value < number.least || value > number.most) {
+      expected(setting,
+               fmt::format("a {}number from {} to {}", number.parts == 1 ? "whole " : "",
+                           typedNumber(number, number.least), typedNumber(number, number.most)),
                word);
    }
    return value;
 }
 
-std::string nameValue(const Setting& setting, const Name& name, const std::string& word) {
+Json policiesValue(const Setting& setting, const std::string& word) {
+   if (auto rows = readPolicies(word)) return *rows;
+   expected(setting,
+            fmt::format("{}, VLAN to 4094, PRIORITY to 7, DSCP to 63, APPLICATION one of {}",
+                        policiesForm, applicationList()),
+            word);
+}
+
+std::string nameValue(const Setting& setting, const Word& name, const std::string& word) {
    if (!isName(word, name)) {
       expected(setting, fmt::format("a name of 1 to {} visible characters", name.longest), word);
    }

@@ -17,6 +17,8 @@ struct Number {
    unsigned least;
    unsigned most;
    const char* unit;
+   // The attribute counts as many parts of the unit: 10 for tenths, which then may be typed.
+   unsigned parts = 1;
 };
 
 struct Choice {
@@ -27,8 +29,11 @@ struct Choice {
 };
 using Choices = std::span<const Choice>;
 
-// Of visible characters.
-struct Name {
+// A word of NetworkPolicies.h.
+struct Policies {};
+
+// A name of visible characters.
+struct Word {
    size_t longest;
 };
 
@@ -37,7 +42,7 @@ struct Setting {
 
    std::string_view words;      // PORTS stands for a list of ports
    std::string_view attribute;  // path below the configuration's entity, PORTS for a port
-   std::variant<Number, Choices, Name> value;
+   std::variant<Number, Choices, Word, Policies> value;
    std::string_view standard;  // the default, as it is typed; empty where there is no such name
    std::string_view help;
 
@@ -58,8 +63,9 @@ std::optional<std::string> typedValue(const Setting& setting, const Json& value)
 
 // The value of one word. Throws Misuse that names the setting and what it takes.
 Json numberValue(const Setting& setting, const Number& number, const std::string& word);
-std::string nameValue(const Setting& setting, const Name& name, const std::string& word);
+Json policiesValue(const Setting& setting, const std::string& word);
+std::string nameValue(const Setting& setting, const Word& name, const std::string& word);
 // The longest NAME that can follow a choice.
-inline constexpr Name interfaceName{64};
+inline constexpr Word interfaceName{64};
 
 }  // namespace LldpCli

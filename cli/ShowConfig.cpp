@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <sstream>
 
 #include "Rex/Printable.h"
 #include "cli/Agent.h"
@@ -85,7 +86,9 @@ void run(bool json, Session& session) {
    if (json) {
       session.out << shown(Json{{"config", config}}, 2) << "\n";
    } else {
-      printConfig(session.out, config);
+      std::ostringstream lines;
+      printConfig(lines, config);
+      session.out << (lines.view().empty() ? "# everything has its default\n" : lines.view());
    }
 }
 

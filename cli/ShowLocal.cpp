@@ -7,9 +7,11 @@
 #include "Rex/Printable.h"
 #include "cli/AdminStatus.h"
 #include "cli/Agent.h"
+#include "cli/BasicTlvs.h"
+#include "cli/LocalTlvs.h"
+#include "cli/Names.h"
 #include "cli/Octets.h"
 #include "cli/Table.h"
-#include "cli/Tlvs.h"
 
 namespace LldpCli {
 namespace {
@@ -41,7 +43,10 @@ Json portView(const std::string& port, const Json& localPort, const Json& portCo
    Json view{{"port", Rex::printable(port)}};
    putIdentifier(view, "portId", localPort.at("portIdentifier"));
    putText(view, "portDescription", localPort.at("portDesc"));
-   if (portConfigs.contains(port)) view["adminStatus"] = adminStatus(portConfigs.at(port));
+   if (portConfigs.contains(port)) {
+      view["adminStatus"] = adminStatus(portConfigs.at(port));
+      putLocalTlvs(view, localPort, portConfigs.at(port));
+   }
    return view;
 }
 
@@ -67,7 +72,7 @@ std::string seconds(const Json& timers, const char* name) {
    return fmt::format("{} s", timers.at(name).get<unsigned>());
 }
 
-void printText(std::ostream& out, const Json& view, const Terminal& terminal) {
+void printSystem(std::ostream& out, const Json& view) {
    const Json& timers = view.at("timers");
    bool named = view.contains("chassis");
    Fields fields{{"Chassis ID", named ? identifierWords(view.at("chassis")) : ""},
@@ -83,15 +88,25 @@ void printText(std::ostream& out, const Json& view, const Terminal& terminal) {
    fields.emplace_back("Transmit delay", seconds(timers, "transmitDelay"));
    fields.emplace_back("Reinit delay", seconds(timers, "reinitDelay"));
    printFields(out, fields);
+}
 
+std::vector<std::string> portRow(const Json& port) {
+   return {port.at("port"), port.contains("portId") ? identifierWords(port.at("portId")) : "",
+           port.value("portDescription", ""), adminStatusWords(port.value("adminStatus", ""))};
+}
+
+void printPorts(std::ostream& out, const Json& ports, const Terminal& terminal) {
    Table table({{"Port", Column::Kind::name}, {"Port ID"}, {"Description"}, {"LLDP"}});
-   for (const Json& port : view.at("ports")) {
-      table.add({port.at("port"), port.contains("portId") ? identifierWords(port.at("portId")) : "",
-                 port.value("portDescription", ""),
-                 adminStatusWords(port.value("adminStatus", ""))});
-   }
-   out << "\n";
+   for (const Json& port : ports) table.add(portRow(port));
    table.print(out, terminal);
+}
+
+void printPort(std::ostream& out, const Json& port) {
+   std::vector<std::string> row = portRow(port);
+   Fields fields{
+       {"Port", row[0]}, {"Port ID", row[1]}, {"Port description", row[2]}, {"LLDP", row[3]}};
+   addLocalTlvLines(fields, port);
+   printFields(out, fields);
 }
 
 void run(const Options& options, Session& session) {
@@ -102,7 +117,13 @@ void run(const Options& options, Session& session) {
    if (options.json) {
       session.out << Json{{"local", view}}.dump(2) << "\n";
    } else {
-      printText(session.out, view, session.terminal);
+      printSystem(session.out, view);
+      session.out << "\n";
+      if (options.port) {
+         printPort(session.out, view.at("ports").front());
+      } else {
+         printPorts(session.out, view.at("ports"), session.terminal);
+      }
    }
 }
 
@@ -112,7 +133,7 @@ void addShowLocal(CLI::App& show, Session& session) {
    auto options = std::make_shared<Options>();
    CLI::App* command = show.add_subcommand("local", "what this switch says about itself");
    command->fallthrough();
-   command->add_option("PORT", options->port, "of the ports only this one");
+   command->add_option("PORT", options->port, "of the ports only this one, and all that it says");
    command->add_flag("--json", options->json, "as JSON for scripts");
    command->callback([options, &session] { run(*options, session); });
 }

@@ -46,6 +46,9 @@ constexpr auto tableCounters = std::to_array<Counter>({
     {"remTablesAgeouts", "ageouts", "Neighbors aged out", ""},
 });
 
+// The latest that the CEE peer has sent, which is acknowledged; the agent has 0 for none.
+constexpr const char* ceeNumber = "ceeSequenceNumber";
+
 template <size_t n>
 void putCounters(Json& view, const std::array<Counter, n>& counters, const Json& entity) {
    for (const Counter& counter : counters) {
@@ -79,6 +82,7 @@ Json statisticsView(const Json& status, const Ports& ports, double now) {
                 {"neighbors", portStatus.at("remoteSystem").size()}};
       putCounters(view, portCounters, portStatus);
       putSince(view, "sinceSentSeconds", portStatus.at("lastTxTime"), now);
+      if (const Json& cee = portStatus.at("ceeSeqNumToAck"); cee != 0u) view[ceeNumber] = cee;
       list.push_back(std::move(view));
    }
    return {{"table", table}, {"ports", list}};
@@ -89,6 +93,10 @@ void printPort(std::ostream& out, const Json& port) {
    Fields counters = counterFields(port, portCounters);
    fields.insert(fields.end(), counters.begin(), counters.end());
    addAge(fields, "Last frame sent", port, "sinceSentSeconds");
+   if (port.contains(ceeNumber)) {
+      fields.emplace_back("CEE sequence number received",
+                          std::to_string(port.at(ceeNumber).get<unsigned>()));
+   }
    out << port.at("port").get<std::string>() << "\n";
    printFields(out, fields, "  ");
 }

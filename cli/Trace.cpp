@@ -19,6 +19,7 @@ constexpr int levelCount = 10;
 struct Options {
    std::optional<std::string> facility;
    std::optional<std::string> levels;
+   bool json = false;
 };
 
 std::string levelWords(const Json& levels) {
@@ -56,7 +57,8 @@ Json levelList(const std::string& words) {
    }
 }
 
-void show(const Json& trace, const std::optional<std::string>& facility, Session& session) {
+void show(const Json& trace, const Options& options, Session& session) {
+   const std::optional<std::string>& facility = options.facility;
    if (facility && !trace.contains(*facility)) {
       std::string known;
       for (const auto& [name, levels] : trace.items()) {
@@ -64,6 +66,11 @@ void show(const Json& trace, const std::optional<std::string>& facility, Session
       }
       throw Failure(
           fmt::format("no trace facility '{}'; there are {}", Rex::printable(*facility), known));
+   }
+   if (options.json) {
+      Json chosen = facility ? Json{{*facility, trace.at(*facility)}} : trace;
+      session.out << Json{{"trace", chosen}}.dump(2, ' ', true) << "\n";
+      return;
    }
    Table table({{"Facility", Column::Kind::name}, {"Levels"}});
    for (const auto& [name, levels] : trace.items()) {
@@ -76,8 +83,9 @@ void run(const Options& options, Session& session) {
    Client client(session.socketPath, session.patience);
    if (options.levels) {
       client.change("PATCH", resource, {{*options.facility, levelList(*options.levels)}});
+      if (options.json) session.out << "{}\n";
    } else {
-      show(client.get(resource), options.facility, session);
+      show(client.get(resource), options, session);
    }
 }
 
@@ -85,10 +93,12 @@ void run(const Options& options, Session& session) {
 
 void addTrace(CLI::App& app, Session& session) {
    auto options = std::make_shared<Options>();
-   CLI::App* command = app.add_subcommand("trace", "shows or sets what the agent traces");
+   CLI::App* command =
+       app.add_subcommand("trace", "shows or sets what the agent traces on standard error");
    command->fallthrough();
    command->add_option("FACILITY", options->facility, "only this one, such as LldpProtocol");
    command->add_option("LEVELS", options->levels, "0 to 9, such as 0,4,6 or 0-6; all; off");
+   command->add_flag("--json", options->json, "as JSON for scripts");
    command->callback([options, &session] { run(*options, session); });
 }
 

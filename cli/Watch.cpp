@@ -43,6 +43,10 @@ void run(const Options& options, Session& session) {
                                Rex::printable(*options.port)));
    }
    Agent agent(session);
+   bool there = !options.port || agent.findPort(agent.statusPath(), "portStatus", *options.port);
+   if (!there && !options.json) {
+      session.out << fmt::format("no port {} yet; waiting for it\n", *options.port) << std::flush;
+   }
    double behind = session.wallTime() - agent.now();
    EventStream events([&](const std::string& name, const std::string& data) {
       Json json = Json::parse(data, nullptr, false);

@@ -46,5 +46,6 @@ int main(int count, char** words) {
    session.wallTime = wallTime;
    session.user = user();
    session.line = line();
+   if (const char* path = getenv("LLDP_SOCKET"); path && *path) session.socketPath = path;
    return LldpCli::runCommandLine({words + 1, words + count}, session, std::cerr);
 }

@@ -27,9 +27,12 @@ void ApiAccess::stamp(const Rex::EntityType& type, Rex::Json& attributes) {
    auto request = attributes.find("remTablesClearRequest");
    if (request == attributes.end() || !request->is_object()) return;
    // An infinite time, which null would be, could never be followed by another request.
-   auto time = request->find("requestTime");
-   if (time == request->end() || time->is_null()) {
-      (*request)["requestTime"] = Rex::System::currentTime();
+   Rex::Json& time = (*request)["requestTime"];
+   double now = Rex::System::currentTime();
+   if (time.is_null()) time = now;
+   if (time.is_number() && time.get<double>() > now) {
+      Rex::expected(time, "remTablesClearRequest.requestTime",
+                    "at most the present time, " + Rex::Json(now).dump());
    }
 }
 

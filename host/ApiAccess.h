@@ -20,11 +20,11 @@ class ApiAccess {
    // empty when it is. Nobody but its writer changes what the agent or a feeder writes.
    std::string refusal(const std::string& root) const;
 
-   // The type of an entry that is made in the directory at `root` when the request names none;
-   // empty where that is not known.
+   // The type that entries of the directory at `root` have; empty where that is not known.
    static std::string_view entryType(std::string_view root);
 
-   // Stamps an operator's request with its time, where that was left out.
+   // Stamps an operator's request with its time, where that was left out. Throws Rex::JsonError for
+   // a time that is still to come: no request after it would count until then.
    static void stamp(const Rex::EntityType& type, Rex::Json& attributes);
 
  private:

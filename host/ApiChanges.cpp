@@ -16,8 +16,8 @@ namespace {
 constexpr size_t maxSteps = 64;  // nothing in the store is nearly as deep
 
 Rex::Member::Write checked(const Rex::EntityType& type, Rex::Json attributes) {
-   ApiAccess::stamp(type, attributes);
    try {
+      ApiAccess::stamp(type, attributes);
       return decodeSettings(type, attributes);
    } catch (const Rex::JsonError& error) {
       throw ApiError(400, error.what(), error.path());
@@ -54,6 +54,7 @@ void ApiChanges::apply() {
    for (const auto& write : writes_) write();
    writes_.clear();
    rows_.clear();
+   rowCounts_.clear();
 }
 
 unsigned ApiChanges::patch(const Change& change) {
@@ -68,14 +69,22 @@ unsigned ApiChanges::put(const Change& change) {
    Place to = place(change.steps);
    if (find(change.steps)) return patch(change);
    requireWritable(to.holder->root);
-   if (std::string fault = to.member->keyFault(to.key); !fault.empty()) {
+   if (std::string fault = keyFault(*to.member, to.key); !fault.empty()) {
       throw ApiError(400, "key of " + to.member->name + ": " + fault, to.member->name);
+   }
+   size_t& rows = rowsOf(change.steps, to);
+   if (size_t most = mostRows(*to.member); rows >= most) {
+      throw ApiError(400,
+                     to.member->name + ": expected at most " + std::to_string(most) +
+                         " rows; remove one before another is made",
+                     to.member->name);
    }
    if (to.holder->type == &Rex::Dir::staticType()) {
       makeEntry(change, to);
    } else {
       make(change, to);
    }
+   ++rows;
    return 201;
 }
 
@@ -98,8 +107,11 @@ void ApiChanges::make(const Change& change, const Place& place) {
 }
 
 void ApiChanges::makeEntry(const Change& change, const Place& place) {
-   std::string name(change.type.empty() ? ApiAccess::entryType(place.holder->root)
-                                        : std::string_view(change.type));
+   std::string known(ApiAccess::entryType(place.holder->root));
+   std::string name = change.type.empty() ? known : change.type;
+   if (!known.empty() && name != known) {
+      throw ApiError(400, "type: expected " + known + ", got " + inQuotes(name));
+   }
    const Rex::EntityType* type = Rex::EntityType::find(name);
    auto made = type ? type->create() : nullptr;
    if (!made) {
@@ -150,10 +162,24 @@ void ApiChanges::removeMember(const Change& change) {
                      ? row->second != nullptr
                      : from.holder->entity && hasKey(*from.member, *from.holder->entity, from.key);
    if (!stands) nothingAt(change.steps);
+   --rowsOf(change.steps, from);
    auto gone = rows_.lower_bound(change.steps);
    while (gone != rows_.end() && beginsWith(gone->first, change.steps)) gone = rows_.erase(gone);
+   auto counted = rowCounts_.lower_bound(change.steps);
+   while (counted != rowCounts_.end() && beginsWith(counted->first, change.steps)) {
+      counted = rowCounts_.erase(counted);
+   }
    rows_[change.steps] = nullptr;
    writes_.push_back([from] { from.member->removeKey(*from.holder->entity, from.key); });
+}
+
+// How many rows the collection around a row has, those counted that earlier changes make.
+size_t& ApiChanges::rowsOf(const Steps& steps, const Place& place) {
+   auto [at, first] = rowCounts_.try_emplace(above(steps), 0);
+   if (first && place.holder->entity) {
+      at->second = place.member->keys(*place.holder->entity).size();
+   }
+   return at->second;
 }
 
 // What an earlier change makes has no members but those that earlier changes make too.

@@ -58,6 +58,7 @@ class ApiChanges {
    void restoreDefault(const RowPtr& row, const Rex::Member& member,
                        const Statestore::Steps& steps);
 
+   size_t& rowsOf(const Statestore::Steps& steps, const Place& place);
    RowPtr find(const Statestore::Steps& steps) const;
    Place place(const Statestore::Steps& steps) const;
    Rex::Ptr<Rex::Entity> fresh(const Statestore::Steps& steps) const;
@@ -65,7 +66,8 @@ class ApiChanges {
 
    Statestore::EntityManager& entityManager_;
    const ApiAccess& access_;
-   std::map<Statestore::Steps, RowPtr> rows_;  // made by these changes; null: removed by them
+   std::map<Statestore::Steps, RowPtr> rows_;       // made by these changes; null: removed by them
+   std::map<Statestore::Steps, size_t> rowCounts_;  // of collections, with these changes
    std::vector<std::function<void()>> writes_;
 };
 

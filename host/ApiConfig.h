@@ -4,12 +4,14 @@
 //   /v1/config/save   writes that to the configuration file
 #pragma once
 
+#include "host/ApiLimits.h"
 #include "host/ApiResources.h"
 #include "host/ConfigFile.h"
 
 namespace Host {
 
 // Serves them in `resources`, which `config` and `file` have to outlive.
-void serveConfig(ApiResources& resources, const OperatorConfig& config, const ConfigFile& file);
+void serveConfig(ApiResources& resources, const OperatorConfig& config, const ConfigFile& file,
+                 const ApiLimits& limits = {});
 
 }  // namespace Host

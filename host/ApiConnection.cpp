@@ -1,6 +1,8 @@
 #include "host/ApiConnection.h"
 
+#include <linux/sockios.h>
 #include <sys/epoll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -137,7 +139,12 @@ void ApiConnection::parse() {
       }
       if (error) return refuse(400, "no HTTP/1.1 request: " + error.message());
    }
-   if (!parser.is_done()) return;
+   if (!parser.is_done()) {
+      // The parser takes a body as it comes, but gathers a chunk's line or trailer without a limit.
+      if (http_->input.size() <= limits_.headerBytes) return;
+      return refuse(431, "a line of the chunked body is longer than " +
+                             std::to_string(limits_.headerBytes) + " octets");
+   }
    auto& request = parser.get();
    answer(serve_({std::string(request.method_string()), std::string(request.target()),
                   std::move(request.body())}),
@@ -146,7 +153,7 @@ void ApiConnection::parse() {
 
 // What is left of the input cannot be told apart any more, so the connection ends with the answer.
 void ApiConnection::refuse(unsigned status, const std::string& words) {
-   answer(ApiResources::refusal({}, ApiError(status, words)), false);
+   answer(serve_({.unreadable = ApiError(status, words)}), false);
 }
 
 void ApiConnection::answer(const ApiAnswer& answer, bool keepAlive) {
@@ -154,7 +161,7 @@ void ApiConnection::answer(const ApiAnswer& answer, bool keepAlive) {
    Http::Response response(static_cast<http::status>(answer.status), 11);
    if (!answer.body.is_null()) {
       response.set(http::field::content_type, "application/json");
-      response.body() = answer.body.dump(-1, ' ', false, Rex::Json::error_handler_t::replace);
+      response.body() = answer.body.dump(-1, ' ', true, Rex::Json::error_handler_t::replace);
       response.body() += '\n';
    }
    if (response.body().size() > limits_.answerBytes) {
@@ -165,6 +172,8 @@ void ApiConnection::answer(const ApiAnswer& answer, bool keepAlive) {
    response.keep_alive(keepAlive);
    // Where there can be no content, not even its length is told (RFC 9110, 8.6).
    if (response.result() != http::status::no_content) response.prepare_payload();
+   // The answer to HEAD is that header alone (RFC 9110, 9.3.2).
+   if (http_->parser->get().method() == http::verb::head) response.body().clear();
    http_->respond(std::move(response));
    state_ = State::answering;
    send();
@@ -225,6 +234,7 @@ void ApiConnection::begin(const ApiAnswer& answer) {
    }
    stream_ = std::move(made);
    source_ = std::move(source);
+   sentTime_ = now_;
    state_ = State::streaming;
    deadline_ = Rex::never;
    // Of the request nothing is needed any more, and no other one comes.
@@ -245,7 +255,13 @@ void ApiConnection::stream(uint32_t events) {
       return;
    }
    stream_->sent(static_cast<size_t>(gone));
+   sentTime_ = now_;
    if (stream_->over()) state_ = State::done;
+}
+
+bool ApiConnection::stalled() const {
+   int unread = 0;
+   return streaming() && ioctl(fd_, SIOCOUTQ, &unread) == 0 && unread > 0;
 }
 
 void ApiConnection::drain() {

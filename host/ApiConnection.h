@@ -37,6 +37,10 @@ class ApiConnection {
    // Whether it waits for the client to ask for something.
    bool idle() const { return state_ == State::reading && deadline_ == Rex::never; }
    bool streaming() const { return state_ == State::streaming; }
+   // Whether the reader of a stream has not yet taken what has gone out to it.
+   bool stalled() const;
+   // When that went out.
+   double sentTime() const { return sentTime_; }
    bool done() const { return state_ == State::done; }
 
  private:
@@ -71,6 +75,7 @@ class ApiConnection {
    double now_ = 0;
    double deadline_ = Rex::never;
    double idleSince_ = 0;
+   double sentTime_ = 0;
 };
 
 }  // namespace Host

@@ -8,7 +8,7 @@
 namespace Host {
 
 struct ApiLimits {
-   uint32_t headerBytes = 16 * 1024;  // request line and header fields
+   uint32_t headerBytes = 16 * 1024;  // request line and header fields; a chunk's line
    uint64_t bodyBytes = 1024 * 1024;  // of a request
    uint64_t answerBytes =
        64 * 1024 * 1024;        // body of an answer, or what stands when a stream begins
@@ -18,6 +18,9 @@ struct ApiLimits {
    size_t streamBytes = 1024 * 1024;  // events that wait for the reader of one stream
    double requestBurst = 4096;        // requests of one user at once
    double requestsPerSecond = 1024;   // and in the long run
+   double stallSeconds = 30;          // a reader who takes nothing so long may lose its stream
+   double saveBurst = 8;              // writes of the configuration file at once
+   double savesPerSecond = 1;         // and in the long run
 };
 
 }  // namespace Host

@@ -13,22 +13,6 @@ namespace Host {
 
 class ApiStream;
 
-struct ApiRequest {
-   std::string method;  // "GET", ...
-   std::string target;  // path and query, as they came
-   std::string body;
-   bool mayWrite = true;  // false: the client came through the socket for reading
-};
-
-struct ApiAnswer {
-   unsigned status = 200;
-   Rex::Json body;     // null: no content
-   std::string allow;  // the methods that would do, with status 405
-   // Instead of a body, an answer that goes on: fills the stream, which outlives what it returns,
-   // for as long as that is held. Called at most once, when the answer begins.
-   std::function<std::shared_ptr<void>(ApiStream&)> stream = {};
-};
-
 // A request that is refused. Nothing has changed.
 class ApiError : public std::runtime_error {
  public:
@@ -46,6 +30,23 @@ class ApiError : public std::runtime_error {
       std::string path;
    };
    std::optional<Change> change;
+};
+
+struct ApiRequest {
+   std::string method;  // "GET", ...
+   std::string target;  // path and query, as they came
+   std::string body;
+   bool mayWrite = true;  // false: the client came through the socket for reading
+   std::optional<ApiError> unreadable = {};  // why nothing else is known of the request
+};
+
+struct ApiAnswer {
+   unsigned status = 200;
+   Rex::Json body;     // null: no content
+   std::string allow;  // the methods that would do, with status 405
+   // Instead of a body, an answer that goes on: fills the stream, which outlives what it returns,
+   // for as long as that is held. Called at most once, when the answer begins.
+   std::function<std::shared_ptr<void>(ApiStream&)> stream = {};
 };
 
 }  // namespace Host

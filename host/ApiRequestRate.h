@@ -7,6 +7,7 @@
 #include <map>
 
 #include "host/ApiLimits.h"
+#include "host/TokenBucket.h"
 
 namespace Host {
 
@@ -21,16 +22,11 @@ class ApiRequestRate {
    size_t users() const { return buckets_.size(); }
 
  private:
-   struct Bucket {
-      double level;
-      double time;
-   };
-   double levelAt(const Bucket& bucket, double now) const;
    void forgetFull(double now);
 
    const double burst_;
    const double perSecond_;
-   std::map<uid_t, Bucket> buckets_;
+   std::map<uid_t, TokenBucket> buckets_;
 };
 
 }  // namespace Host

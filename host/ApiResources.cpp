@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Rex/Printable.h"
+#include "host/JsonText.h"
 
 namespace Host {
 namespace {
@@ -77,9 +78,12 @@ const ApiResource& ApiResources::resourceOf(const std::string& path) const {
 }
 
 Rex::Json jsonBody(const ApiRequest& request) {
-   Rex::Json json = Rex::Json::parse(request.body, nullptr, false);
-   if (json.is_discarded()) throw ApiError(400, "the body is not JSON");
-   return json;
+   try {
+      return JsonText(request.body, JsonText::Comments::refused).json();
+   } catch (const JsonTextError& error) {
+      throw ApiError(400, "no JSON that is read here, in line " + std::to_string(error.line) +
+                              " of the body: " + error.what());
+   }
 }
 
 }  // namespace Host

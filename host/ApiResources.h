@@ -41,7 +41,7 @@ class ApiResources {
    std::string writeSocket_;
 };
 
-// The body of a request. Throws ApiError when it is no JSON.
+// The body of a request. Throws ApiError when it is no JSON, or not as JsonText wants it.
 Rex::Json jsonBody(const ApiRequest& request);
 
 }  // namespace Host

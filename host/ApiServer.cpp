@@ -101,13 +101,29 @@ ApiAnswer ApiServer::answer(ApiRequest request, uid_t user) {
           ApiError(429, fmt::format("user {} asks more than {} times a second; wait a second", user,
                                     limits_.requestsPerSecond)));
    }
+   if (request.unreadable) return ApiResources::refusal(request.target, *request.unreadable);
    request.mayWrite = mayWrite_;
    ApiAnswer answer = resources_.serve(request);
-   if (!answer.stream || streams() < limits_.streams) return answer;
+   if (!answer.stream || streams() < limits_.streams || endStalled()) return answer;
    return ApiResources::refusal(
        request.target,
        ApiError(503, fmt::format("there are {} streams already, and no more at a time",
                                  limits_.streams)));
+}
+
+// The stream goes whose reader has left what it was sent for longest.
+bool ApiServer::endStalled() {
+   auto longest = clients_.end();
+   for (auto at = clients_.begin(); at != clients_.end(); ++at) {
+      if (!at->second->stalled()) continue;
+      if (longest == clients_.end() || at->second->sentTime() < longest->second->sentTime()) {
+         longest = at;
+      }
+   }
+   if (longest == clients_.end()) return false;
+   if (longest->second->sentTime() + limits_.stallSeconds > clock_->now()) return false;
+   remove(longest->first);
+   return true;
 }
 
 size_t ApiServer::streams() const {

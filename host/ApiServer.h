@@ -37,7 +37,8 @@ class ApiSocket {
 
 // Serves a listening socket from the loop. An exchange that takes too long ends the connection. A
 // client that only waits has no timer, and gives way to a new one when there are too many. One that
-// listens to a stream has none either, and stays.
+// listens to a stream has none either, and stays, unless all streams are taken and it does not
+// read.
 class ApiServer {
  public:
    // Who comes through this socket may change something only if `mayWrite`.
@@ -60,6 +61,7 @@ class ApiServer {
    void settle(ApiConnection& connection);
    void remove(int fd);
    bool makeRoom();
+   bool endStalled();
    void rearm();
 
    Rex::Loop& loop_;

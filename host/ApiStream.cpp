@@ -14,7 +14,7 @@ std::string eventText(std::string_view name, const Rex::Json& data, uint64_t id)
    std::string number = id ? fmt::format("id: {}\n", id) : std::string();
    // In its compact form JSON is one line, whatever is in it.
    return fmt::format("{}event: {}\ndata: {}\n\n", number, name,
-                      data.dump(-1, ' ', false, Rex::Json::error_handler_t::replace));
+                      data.dump(-1, ' ', true, Rex::Json::error_handler_t::replace));
 }
 
 bool standingWanted(const ApiTarget& target) {

@@ -1,8 +1,8 @@
 #include "host/ConfigFile.h"
 
 #include "Rex/Printable.h"
-#include "host/ConfigText.h"
 #include "host/File.h"
+#include "host/JsonText.h"
 #include "host/StartError.h"
 
 namespace Host {
@@ -16,8 +16,22 @@ void ConfigFile::load(const OperatorConfig& config) const {
    }
 }
 
+bool ConfigFile::holds(const OperatorConfig& config) const {
+   try {
+      return readWhole(path_, maxBytes) == encode(config);
+   } catch (const StartError&) {
+      return false;  // what is in the way, saving finds out
+   }
+}
+
 void ConfigFile::save(const OperatorConfig& config) const {
-   writeWhole(path_, encode(config));
+   std::string text = encode(config);
+   if (text.size() > maxBytes) {
+      throw StartError(path_ + " cannot be written: the configuration takes " +
+                       std::to_string(text.size()) + " octets, and no start reads more than " +
+                       std::to_string(maxBytes));
+   }
+   writeWhole(path_, text);
 }
 
 std::function<void()> ConfigFile::decode(const std::string& text, const std::string& name,
@@ -27,13 +41,13 @@ std::function<void()> ConfigFile::decode(const std::string& text, const std::str
    };
    std::function<void()> write;
    try {
-      ConfigText parsed(text);
+      JsonText parsed(text, JsonText::Comments::allowed);
       try {
          write = config.decode(parsed.json());
       } catch (const Rex::JsonError& error) {
          refuse(parsed.lineOf(error.path()), Rex::printable(error.what()));
       }
-   } catch (const ConfigTextError& error) {
+   } catch (const JsonTextError& error) {
       refuse(error.line, error.what());
    }
    return write;

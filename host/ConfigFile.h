@@ -20,7 +20,9 @@ class ConfigFile {
    // Writes what the file holds into the entities. Throws StartError, which names file, line and
    // field, and then nothing has changed.
    void load(const OperatorConfig& config) const;
-   // Replaces the file as a whole. Throws StartError, and then the old one stands.
+   // Whether saving would leave the file as it is.
+   bool holds(const OperatorConfig& config) const;
+   // Replaces the file as a whole, durably. Throws StartError.
    void save(const OperatorConfig& config) const;
 
    // The same of a text. `name` is what the file is called in errors.

@@ -88,8 +88,8 @@ void Daemon::checkPlatform() const {
 // The agent finds the operator's entities at its mounts, filled.
 void Daemon::loadConfig() {
    config_.emplace(agent_->entityManager());
-   bool named = !options_.config.empty();
-   configFile_.emplace(named ? options_.config : options_.stateDir + "/config.json", named);
+   configFile_.emplace(options_.config.value_or(options_.stateDir + "/config.json"),
+                       options_.config.has_value());
    configFile_->load(*config_);
 }
 

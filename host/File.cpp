@@ -43,17 +43,33 @@ void writableFolder(const std::string& folder, const std::string& purpose) {
    }
 }
 
-// Makes a change of a folder's entries durable. What cannot be synced is as durable as the file
-// system makes it by itself.
-static void syncFolder(const std::string& path) {
-   std::string folder = std::filesystem::path(path).parent_path().string();
-   Descriptor dir(open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-   if (dir.fd >= 0) fsync(dir.fd);
-}
-
 // Throws what errno says.
 [[noreturn]] static void fail(const std::string& path, const char* what) {
    throw StartError(path + " cannot be " + what + ": " + std::strerror(errno));
+}
+
+// Makes a change of a folder's entries durable. On a file system that cannot sync one, they are as
+// durable as it makes them by itself.
+static void syncFolder(const std::string& path) {
+   std::string folder = std::filesystem::path(path).parent_path().string();
+   Descriptor dir(open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+   bool good = dir.fd >= 0 && fsync(dir.fd) == 0;
+   if (!good && (dir.fd < 0 || (errno != EINVAL && errno != ENOTSUP))) fail(path, "made durable");
+}
+
+// The file that a chain of links stands for, whether it is there or not.
+static std::string behindLinks(const std::string& path) {
+   constexpr int mostLinks = 40;  // as many as the kernel follows
+   std::filesystem::path target = path;
+   std::error_code none;
+   for (int i = 0; std::filesystem::is_symlink(target, none); ++i) {
+      if (i == mostLinks) {
+         errno = ELOOP;
+         fail(path, "written");
+      }
+      target = target.parent_path() / std::filesystem::read_symlink(target, none);
+   }
+   return target.string();
 }
 
 std::optional<std::string> readWhole(const std::string& path, size_t maxBytes) {
@@ -96,9 +112,7 @@ static bool adopt(int fd, const std::string& path) {
 }
 
 void writeWhole(const std::string& path, const std::string& content) {
-   std::error_code none;
-   auto target = std::filesystem::canonical(path, none).string();
-   if (none) target = path;
+   const std::string target = behindLinks(path);
    std::string fresh = target + ".new";
    unlink(fresh.c_str());  // what a crash has left
    Descriptor file(open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));

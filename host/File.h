@@ -16,7 +16,8 @@ std::optional<std::string> readWhole(const std::string& path, size_t maxBytes);
 
 // Replaces a file by `content` as a whole: whoever reads it finds the old or the new one, also
 // after a crash. It keeps its owner and permissions, and where a link stands for it, the link.
-// Throws StartError, and then the old file stands.
+// Throws StartError, and then the old file stands, unless the words are that the new one cannot be
+// made durable.
 void writeWhole(const std::string& path, const std::string& content);
 
 }  // namespace Host

@@ -15,10 +15,6 @@ constexpr Root roots[] = {
     {"l2discovery/lldp/cliConfig", "Lldp::CliConfig"},
 };
 
-std::string below(const std::string& path, const std::string& name) {
-   return path.empty() ? name : path + "." + name;
-}
-
 Rex::Json differences(const Rex::Entity& entity, Rex::Entity& fresh);
 
 Rex::Json rowDifferences(const Rex::Member& member, const Rex::Entity& entity, Rex::Entity& fresh) {
@@ -64,11 +60,16 @@ Rex::Member::Write decodeRows(const Rex::Member& member, const Rex::Json& json,
    const Rex::EntityType* type = member.madeType();
    if (!type) throw Rex::JsonError(path, "its members are not made here");
    if (!json.is_object()) throw Rex::JsonError(path, "expected an object of rows by key");
+   if (size_t most = mostRows(member); json.size() > most) {
+      throw Rex::JsonError(path, "expected at most " + std::to_string(most) + " rows, got " +
+                                     std::to_string(json.size()));
+   }
    std::vector<Rex::Member::Write> writes;
    for (const auto& [key, row] : json.items()) {
-      std::string fault = member.keyFault(key);
-      if (!fault.empty()) throw Rex::JsonError(below(path, key), fault);
-      auto write = decodeWhole(*type, row, below(path, key));
+      const std::string place = Rex::fieldPath(path, key);
+      std::string fault = keyFault(member, key);
+      if (!fault.empty()) throw Rex::JsonError(place, fault);
+      auto write = decodeWhole(*type, row, place);
       writes.push_back([&member, key = key, write](Rex::Entity& holder) {
          write(*member.makeChild(holder, key));
       });
@@ -87,7 +88,7 @@ Rex::Member::Write decodeWhole(const Rex::EntityType& type, const Rex::Json& jso
    for (const auto& [name, value] : json.items()) {
       const Rex::Member* member = type.member(name);
       bool rows = member && member->kind == Rex::MemberKind::children;
-      writes.push_back(rows ? decodeRows(*member, value, below(path, name))
+      writes.push_back(rows ? decodeRows(*member, value, Rex::fieldPath(path, name))
                             : decodeSettings(type, {{name, value}}, path));
    }
    return [writes](Rex::Entity& entity) {

@@ -115,6 +115,7 @@ struct Words {
    std::vector<std::string> ports;
    std::vector<std::string> traces;
    std::vector<std::string> devices;
+   std::string config;
    std::string feeders = "all";
    std::string readGroup;
    std::string writeGroup;
@@ -151,7 +152,7 @@ void declare(CLI::App& app, Options& options, Words& words) {
         "Folder of what lives until the next boot: time anchor, ring trace");
    once("--state-dir", "DIR", options.stateDir,
         "Folder of what is kept across boots: the ports' names, the configuration");
-   once("--config", "FILE", options.config,
+   once("--config", "FILE", words.config,
         "File of the operator's configuration, which has to exist (default: config.json in the "
         "folder of --state-dir, which may be missing)");
    often("--trace", "FACILITY=LEVELS", words.traces,
@@ -190,6 +191,7 @@ std::optional<Options> Options::parse(int argc, const char* const* argv) {
    for (const std::string& port : words.ports) takePort(options, port);
    for (const std::string& trace : words.traces) takeTrace(options, trace);
    takeSockets(options, words.readGroup, words.writeGroup);
+   if (app.count("--config")) options.config = words.config;
    options.feeders = feedersOf(words.feeders);
    options.devices = {words.devices.begin(), words.devices.end()};
    checkFeeders(options);

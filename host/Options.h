@@ -24,7 +24,7 @@ struct Options {
    std::optional<gid_t> readGroup;   // there is one exactly if there is a socket for reading
    std::string runDir = "/run/lldp-agentd";
    std::string stateDir = "/var/lib/lldp-agentd";
-   std::string config;  // file of the operator's configuration; empty: the state folder's
+   std::optional<std::string> config;  // file of the operator's configuration; none: stateDir's
    std::vector<TraceSetting> trace;
    std::set<std::string> feeders;  // those that run, see Feeders::all()
    std::string module;             // empty: the one that belongs to the program

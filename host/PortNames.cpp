@@ -1,19 +1,30 @@
 #include "host/PortNames.h"
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
-#include <sstream>
-
-#include "Rex/Json.h"
+#include "Rex/Printable.h"
 #include "Wirekit/EthIntfId.h"
 #include "Wirekit/MgmtIntfId.h"
 #include "host/File.h"
+#include "host/JsonText.h"
 #include "host/StartError.h"
 
 namespace Host {
 
 using Wirekit::IntfId;
+
+namespace {
+
+constexpr size_t maxBytes = 1024 * 1024;
+
+// A port has one name: Ethernet01 would be another than Ethernet1.
+bool hasLeadingZero(std::string_view text) {
+   auto digitAt = [text](size_t i) { return i < text.size() && text[i] >= '0' && text[i] <= '9'; };
+   for (size_t i = text.find('0'); i < text.size(); i = text.find('0', i + 1)) {
+      if (digitAt(i + 1) && !(i > 0 && digitAt(i - 1))) return true;
+   }
+   return false;
+}
+
+}  // namespace
 
 PortNames::PortNames(std::map<std::string, IntfId> given, const std::string& file)
     : given_(std::move(given)), file_(file) {
@@ -23,27 +34,28 @@ PortNames::PortNames(std::map<std::string, IntfId> given, const std::string& fil
 
 bool PortNames::isPortName(std::string_view text) {
    IntfId name;
-   if (!IntfId::fromText(text, name) || Wirekit::EthIntfId::isUnconnected(name)) return false;
+   if (!IntfId::fromText(text, name) || hasLeadingZero(text)) return false;
+   if (Wirekit::EthIntfId::isUnconnected(name)) return false;
    return Wirekit::EthIntfId::isEthIntfId(name) || Wirekit::MgmtIntfId::isMgmtIntfId(name);
 }
 
 void PortNames::load() {
-   errno = 0;
-   std::ifstream in(file_);
-   if (!in && errno == ENOENT) return;
+   auto text = readWhole(file_, maxBytes);
+   if (!text) return;
    auto refuse = [this](const std::string& why) {
       throw StartError("the port names in " + file_ + " cannot be read (" + why +
                        "); mend the file, or remove it to number the ports anew");
    };
-   std::ostringstream text;
-   text << in.rdbuf();
-   // Nothing could be taken out of it, for which the stream keeps no reason.
-   if (!text) refuse(errno ? std::strerror(errno) : "it is empty");
-   Rex::Json json = Rex::Json::parse(text.str(), nullptr, false);
+   Rex::Json json;
+   try {
+      json = JsonText(*std::move(text), JsonText::Comments::refused).json();
+   } catch (const JsonTextError& error) {
+      refuse("line " + std::to_string(error.line) + ": " + error.what());
+   }
    if (!json.is_object()) refuse("no JSON object");
    for (const auto& [identity, value] : json.items()) {
       if (!value.is_string() || !isPortName(value.get<std::string>())) {
-         refuse("'" + identity + "' has no port name");
+         refuse("'" + Rex::printable(identity) + "' has no port name");
       }
       IntfId name(value.get<std::string>());
       if (!identities_.emplace(name, identity).second) {

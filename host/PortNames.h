@@ -28,7 +28,8 @@ class PortNames {
    // `given`: the operator's names, by device. Reads `file`, if it is there. Throws StartError.
    PortNames(std::map<std::string, Wirekit::IntfId> given, const std::string& file);
 
-   // Whether a port can bear that name: Ethernet<n>, Management<n>, or these with slot and lane.
+   // Whether a port can bear that name: Ethernet<n>, Management<n>, or these with slot and lane,
+   // and no number with leading zeros.
    static bool isPortName(std::string_view name);
 
    // The names of devices that are served together, in their order. Makes new ones as needed.

@@ -1,5 +1,10 @@
 #include "host/Settings.h"
 
+#include <algorithm>
+#include <limits>
+
+#include "Rex/Dir.h"
+#include "host/PortNames.h"
 #include "model/CliConfig.h"
 
 namespace Host {
@@ -8,40 +13,125 @@ namespace {
 struct Words {
    static constexpr const char* text = "setting out of its range";
 };
-
 template <uint32_t least, uint32_t most>
-void wholeNumber(const Rex::Json& json, const std::string& path) {
-   Rex::BoundedNumber<uint32_t, least, most, Words> number;
-   Rex::fromJson(json, number, path);
+using Number = Rex::BoundedNumber<uint32_t, least, most, Words>;
+template <size_t most>
+using Text = Rex::BoundedText<most, Words>;
+
+template <class T>
+void as(const Rex::Json& json, const std::string& path) {
+   T value;
+   Rex::fromJson(json, value, path);
 }
 
 struct Range {
    const Rex::EntityType& type;
-   const char* attribute;
+   std::string_view place;  // in an entity of the type; "[]" stands behind what is a list
    void (*check)(const Rex::Json& json, const std::string& path);
 };
 
-// IEEE Std 802.1AB-2016, 9.2.5 and 10.5; the hold time is the TTL itself, which has two octets.
+// The timers': IEEE Std 802.1AB-2016, 9.2.5 and 10.5; the hold time is the TTL itself, which has
+// two octets. The policy's: what its TLV has room for (ANSI/TIA-1057, 10.2.3.2). Power is in tenths
+// of a watt (IEEE Std 802.3-2018, 79.3.2.6).
 const std::vector<Range>& ranges() {
+   const auto& config = Lldp::CliConfig::staticType();
+   const auto& port = Lldp::CliPortConfig::staticType();
+   const auto& clear = Lldp::RemTablesCliConfig::staticType();
+   const auto& provider = Lldp::ExternalTlvConfig::staticType();
+   const auto& tlvs = Lldp::ExternalTlvPortConfig::staticType();
    static const std::vector<Range> all{
-       {Lldp::CliConfig::staticType(), "messageTxInterval", wholeNumber<1, 3600>},
-       {Lldp::CliConfig::staticType(), "messageTxHoldTime", wholeNumber<1, 65535>},
-       {Lldp::CliConfig::staticType(), "reinitDelay", wholeNumber<1, 10>},
+       {config, "messageTxInterval", as<Number<1, 3600>>},
+       {config, "messageTxHoldTime", as<Number<1, 65535>>},
+       {config, "reinitDelay", as<Number<1, 10>>},
+       {config, "ip6MgmtAddrIntfName", as<Wirekit::IntfId>},
+       {config, "mgmtAddrTxOption.intfName", as<Wirekit::IntfId>},
+       {port, "poeAllocatedPowerFallback", as<Number<0, 999>>},
+       {port, "networkPolicyConfig[].policyName", as<Text<64>>},
+       {port, "networkPolicyConfig[].vlanId", as<Number<0, 4094>>},
+       {port, "networkPolicyConfig[].l2Priority", as<Number<0, 7>>},
+       {port, "networkPolicyConfig[].dscp", as<Number<0, 63>>},
+       {clear, "remTablesClearRequest.requesterName", as<Text<256>>},
+       {clear, "remTablesClearRequest.requesterLine", as<Text<256>>},
+       {provider, "name", as<Text<64>>},
+       {tlvs, "unknownOrgDefTlv[].key.oui.value", as<Number<0, 0xFFFFFF>>},
+       {tlvs, "unknownOrgDefTlv[].key.subtype", as<Number<0, 255>>},
    };
    return all;
+}
+
+// What has another shape than the place is the type's to refuse.
+void checkAt(const Rex::Json& json, std::string_view place, const std::string& path,
+             const Range& range) {
+   if (place.empty()) return range.check(json, path);
+   if (place.starts_with("[]")) {
+      if (!json.is_array()) return;
+      for (size_t i = 0; i < json.size(); ++i) {
+         checkAt(json[i], place.substr(2), Rex::elementPath(path, i), range);
+      }
+      return;
+   }
+   if (place.front() == '.') place.remove_prefix(1);
+   std::string_view name = place.substr(0, place.find_first_of(".["));
+   if (!json.is_object() || !json.contains(name)) return;
+   checkAt(json[std::string(name)], place.substr(name.size()), Rex::fieldPath(path, name), range);
+}
+
+bool isEntryName(std::string_view text) {
+   Wirekit::IntfId name;
+   return Wirekit::IntfId::fromText(text, name);
+}
+
+struct Rows {
+   const Rex::Member* collection;
+   bool (*isKey)(std::string_view text);
+   const char* keyForm;
+   size_t most;
+};
+
+constexpr const char* portForm = "a port name such as Ethernet1, Ethernet3/1 or Management1";
+
+const Rows* rowsOf(const Rex::Member& collection) {
+   static const Rows all[] = {
+       {Lldp::CliConfig::staticType().member("cliPortConfig"), PortNames::isPortName, portForm,
+        4096},
+       {Lldp::ExternalTlvConfig::staticType().member("externalTlvPortConfig"),
+        PortNames::isPortName, portForm, 4096},
+       {Rex::Dir::staticType().member("entityPtr"), isEntryName,
+        "a name of 1 to 64 visible characters", 1024},
+   };
+   auto at = std::ranges::find(all, &collection, &Rows::collection);
+   return at == std::end(all) ? nullptr : at;
 }
 
 }  // namespace
 
 Rex::Member::Write decodeSettings(const Rex::EntityType& type, const Rex::Json& attributes,
                                   const std::string& path) {
-   for (const Range& range : ranges()) {
-      if (&range.type != &type || !attributes.is_object()) continue;
-      auto at = attributes.find(range.attribute);
-      if (at == attributes.end()) continue;
-      range.check(*at, path.empty() ? range.attribute : path + "." + range.attribute);
-   }
+   checkRanges(type, attributes, path);
    return Rex::decodeEntity(type, attributes, path);
+}
+
+void checkRanges(const Rex::EntityType& type, const Rex::Json& attributes,
+                 const std::string& path) {
+   for (const Range& range : ranges()) {
+      if (&range.type == &type) checkAt(attributes, range.place, path, range);
+   }
+}
+
+std::string keyFault(const Rex::Member& collection, std::string_view key) {
+   std::string fault = collection.keyFault(key);
+   const Rows* rows = rowsOf(collection);
+   if (!fault.empty() || !rows || rows->isKey(key)) return fault;
+   try {
+      Rex::expected(Rex::Json(key), {}, rows->keyForm);
+   } catch (const Rex::JsonError& error) {
+      return error.what();
+   }
+}
+
+size_t mostRows(const Rex::Member& collection) {
+   const Rows* rows = rowsOf(collection);
+   return rows ? rows->most : std::numeric_limits<size_t>::max();
 }
 
 }  // namespace Host

@@ -1,16 +1,25 @@
 // The operator's settings as whoever writes them has to keep to: management API and configuration
-// file alike.
+// file alike. Where a range is narrower than an attribute's type it stands here, and nowhere else.
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "Rex/EntityType.h"
 
 namespace Host {
 
-// Reads and checks an object of attributes, as Rex::decodeEntity, and where a setting's range is
-// narrower than its type also against that. Throws Rex::JsonError, and then nothing has changed.
+// Reads and checks an object of attributes, as Rex::decodeEntity, and also against the ranges.
+// Throws Rex::JsonError, and then nothing has changed.
 Rex::Member::Write decodeSettings(const Rex::EntityType& type, const Rex::Json& attributes,
                                   const std::string& path = {});
+// Throws Rex::JsonError where an attribute is out of its range.
+void checkRanges(const Rex::EntityType& type, const Rex::Json& attributes,
+                 const std::string& path = {});
+
+// What is wrong with a text that is to be the key of a new row; empty when nothing is.
+std::string keyFault(const Rex::Member& collection, std::string_view key);
+// As many rows as a collection may have.
+size_t mostRows(const Rex::Member& collection);
 
 }  // namespace Host

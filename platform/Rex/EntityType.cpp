@@ -13,10 +13,6 @@ std::map<std::string, const EntityType*, std::less<>>& registry() {
    return all;
 }
 
-std::string below(const std::string& path, const std::string& name) {
-   return path.empty() ? name : path + "." + name;
-}
-
 }  // namespace
 
 Member::Write Member::decode(const Json&, const std::string& path) const {
@@ -91,8 +87,9 @@ Member::Write decodeEntity(const EntityType& type, const Json& json, const std::
    std::vector<Member::Write> writes;
    for (const auto& [name, value] : json.items()) {
       const Member* member = type.member(name);
-      if (!member) throw JsonError(below(path, name), "no such attribute of " + type.name());
-      writes.push_back(member->decode(value, below(path, name)));
+      const std::string place = fieldPath(path, name);
+      if (!member) throw JsonError(place, "no such attribute of " + type.name());
+      writes.push_back(member->decode(value, place));
    }
    return [writes](Entity& entity) {
       for (const auto& write : writes) write(entity);

@@ -4,7 +4,7 @@
 
 #include "Rex/Utf8.h"
 
-namespace Rex::detail {
+namespace Rex {
 namespace {
 
 int hexDigit(char c) {
@@ -28,11 +28,21 @@ String octetsFromHex(const std::string& hex, const Json& json, const std::string
 
 }  // namespace
 
+std::string fieldPath(const std::string& path, std::string_view name) {
+   return fmt::format("{}{}{}", path, path.empty() ? "" : ".", name);
+}
+
+std::string elementPath(const std::string& path, size_t index) {
+   return fmt::format("{}[{}]", path, index);
+}
+
 void expected(const Json& json, const std::string& path, const std::string& what) {
    std::string got = json.dump(-1, ' ', true, Json::error_handler_t::replace);
    if (got.size() > 60) got = got.substr(0, 57) + "...";
    throw JsonError(path, "expected " + what + ", got " + got);
 }
+
+namespace detail {
 
 Json textToJson(const String& text) {
    if (isUtf8(text.view())) return Json(text.stdString());
@@ -70,4 +80,13 @@ double doubleFromJson(const Json& json, const std::string& path) {
    return json.get<double>();
 }
 
-}  // namespace Rex::detail
+Json keyJson(std::string_view text) {
+   auto follow = [](int depth, Json::parse_event_t, const Json&) {
+      if (static_cast<size_t>(depth) <= mostJsonLevels) return true;
+      throw JsonError("", fmt::format("nested more than {} levels deep", mostJsonLevels));
+   };
+   return Json::parse(text, follow, false);
+}
+
+}  // namespace detail
+}  // namespace Rex

@@ -21,6 +21,10 @@ namespace Rex {
 
 using Json = nlohmann::ordered_json;
 
+// What reads foreign text takes no more levels: going through a value, also to print it, is a
+// recursion. Nothing that is written in earnest is nearly as deep.
+inline constexpr size_t mostJsonLevels = 16;
+
 // What is wrong with a JSON value: where (a path of field names) and what would be right.
 class JsonError : public std::runtime_error {
  public:
@@ -31,6 +35,13 @@ class JsonError : public std::runtime_error {
  private:
    std::string path_;
 };
+
+// Where a part of the value at a path stands, as JsonError tells it: "a.b[2].c".
+std::string fieldPath(const std::string& path, std::string_view name);
+std::string elementPath(const std::string& path, size_t index);
+
+// Throws the JsonError of a value that is not `what` is wanted.
+[[noreturn]] void expected(const Json& json, const std::string& path, const std::string& what);
 
 template <class T>
 concept HasTextForm = HasStringValue<T> && requires(std::string_view text, T& value) {
@@ -57,7 +68,8 @@ String textFromJson(const Json& json, const std::string& path);
 long long integerFromJson(const Json& json, const std::string& path, long long least,
                           unsigned long long most);
 double doubleFromJson(const Json& json, const std::string& path);
-[[noreturn]] void expected(const Json& json, const std::string& path, const std::string& what);
+// The JSON that a key's text is; discarded when it is none. Throws JsonError for a deeper one.
+Json keyJson(std::string_view text);
 }  // namespace detail
 
 template <class T>
@@ -121,14 +133,14 @@ void structFromJson(const Json& json, T& value, const std::string& path) {
       auto at = json.find(name);
       if (at == json.end()) return;
       ++taken;
-      fromJson(*at, made.*pointer, path.empty() ? name : path + "." + name);
+      fromJson(*at, made.*pointer, fieldPath(path, name));
    });
    if (taken != json.size()) {
       for (const auto& field : json.items()) {
          const std::string& name = field.key();
          bool known = false;
          forEachMember<T>([&](const char* member, auto) { known = known || name == member; });
-         if (!known) throw JsonError(path, "unknown field \"" + name + "\"");
+         if (!known) throw JsonError(fieldPath(path, name), "no such field");
       }
    }
    value = made;
@@ -139,7 +151,7 @@ void listFromJson(const Json& json, T& value, const std::string& path) {
    if (!json.is_array()) expected(json, path, "an array");
    T made;
    for (size_t i = 0; i < json.size(); ++i) {
-      fromJson(json[i], made.emplace_back(), path + "[" + std::to_string(i) + "]");
+      fromJson(json[i], made.emplace_back(), elementPath(path, i));
    }
    value = std::move(made);
 }
@@ -150,7 +162,7 @@ void listFromJson(const Json& json, T& value, const std::string& path) {
 template <class T>
 void fromJson(const Json& json, T& value, const std::string& path) {
    if constexpr (std::same_as<T, bool>) {
-      if (!json.is_boolean()) detail::expected(json, path, "true or false");
+      if (!json.is_boolean()) expected(json, path, "true or false");
       value = json.get<bool>();
    } else if constexpr (std::integral<T>) {
       value = static_cast<T>(
@@ -163,7 +175,7 @@ void fromJson(const Json& json, T& value, const std::string& path) {
    } else if constexpr (BoundedLike<T>) {
       String text = detail::textFromJson(json, path);
       if (text.bytes() > T::maxBytes) {
-         detail::expected(json, path, "text of at most " + std::to_string(T::maxBytes) + " octets");
+         expected(json, path, "text of at most " + std::to_string(T::maxBytes) + " octets");
       }
       value = T(text);
    } else if constexpr (BoundedNumberLike<T>) {
@@ -175,7 +187,7 @@ void fromJson(const Json& json, T& value, const std::string& path) {
       if (text.empty() && String(T{}.stringValue()).empty()) {
          value = T{};
       } else if (!T::fromText(text.view(), value)) {
-         detail::expected(json, path, T::textForm);
+         expected(json, path, T::textForm);
       }
    } else if constexpr (DescribedEnum<T>) {
       detail::enumFromJson(json, value, path);
@@ -200,38 +212,36 @@ std::string keyToText(const K& key) {
       return toJson(key).dump();
    }
 }
+// Reads a key; throws JsonError.
 template <class K>
-bool keyFromText(std::string_view text, K& key) {
+void readKey(std::string_view text, K& key) {
    if constexpr (std::same_as<K, String>) {
       key = String(text);
-      return true;
    } else if constexpr (HasTextForm<K>) {
-      return K::fromText(text, key);
+      if (!K::fromText(text, key)) expected(Json(text), "", K::textForm);
    } else {
-      Json json = Json::parse(text, nullptr, false);
-      if (json.is_discarded()) return false;
-      try {
-         fromJson(json, key, "");
-      } catch (const std::exception&) {
-         return false;
-      }
-      return true;
+      Json json = detail::keyJson(text);
+      fromJson(json.is_discarded() ? Json(text) : json, key, "");
+      if (json.is_discarded()) expected(Json(text), "", "the key as JSON");
    }
+}
+template <class K>
+bool keyFromText(std::string_view text, K& key) {
+   try {
+      readKey(text, key);
+   } catch (const std::exception&) {
+      return false;
+   }
+   return true;
 }
 
 // What is wrong with a text that is to be a key; empty when it is one.
 template <class K>
 std::string keyTextFault(std::string_view text) {
-   K key{};
-   if (keyFromText(text, key)) return {};
    try {
-      if constexpr (HasTextForm<K>) {
-         detail::expected(Json(text), "", K::textForm);
-      } else {
-         Json json = Json::parse(text, nullptr, false);
-         fromJson(json.is_discarded() ? Json(text) : json, key, "");
-      }
-   } catch (const JsonError& error) {
+      K key{};
+      readKey(text, key);
+   } catch (const std::exception& error) {
       return error.what();
    }
    return {};

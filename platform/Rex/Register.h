@@ -3,8 +3,8 @@
 // every member.
 #pragma once
 
-#include <algorithm>
 #include <memory>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -148,28 +148,29 @@ struct CollectionOf : Member {
    Write decodeValues(const Json& json, const std::string& path) const {
       if (!json.is_array()) expected(json, path, "an array");
       std::vector<std::pair<Key, Value>> members;
+      std::set<Key> keys;
       for (size_t i = 0; i < json.size(); ++i) {
-         std::string place = path + "[" + std::to_string(i) + "]";
+         std::string place = elementPath(path, i);
          Key key{};
          Value value{};
          if (kind == MemberKind::mapping) {
             if (!json[i].is_object() || !json[i].contains("key") || !json[i].contains("value")) {
                expected(json[i], place, "an object with key and value");
             }
-            fromJson(json[i]["key"], key, place + ".key");
-            fromJson(json[i]["value"], value, place + ".value");
+            fromJson(json[i]["key"], key, fieldPath(place, "key"));
+            fromJson(json[i]["value"], value, fieldPath(place, "value"));
          } else {
             fromJson(json[i], value, place);
             key = described.keyOf(value);
          }
+         if (!keys.insert(key).second) {
+            throw JsonError(place, "there is one before it with the key " + keyToText(key));
+         }
          members.emplace_back(key, value);
       }
-      return [this, members](Entity& e) {
+      return [this, members, keys](Entity& e) {
          for (auto [key, value] : in<Owner>(e).*at) {
-            bool stays =
-                std::any_of(members.begin(), members.end(),
-                            [&key = key](const auto& member) { return member.first == key; });
-            if (!stays) described.remove(in<Owner>(e), key);
+            if (!keys.contains(key)) described.remove(in<Owner>(e), key);
          }
          for (const auto& [key, value] : members) described.write(in<Owner>(e), key, value);
       };

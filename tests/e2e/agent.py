@@ -4,6 +4,7 @@ import http.client
 import json
 import os
 import pathlib
+import select
 import signal
 import socket
 import subprocess
@@ -70,6 +71,38 @@ class Stream:
         self._socket.close()
 
 
+class Lines:
+    """A program that goes on telling: its lines, as they come."""
+
+    def __init__(self, *words, cwd=None):
+        self._process = subprocess.Popen(words, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                         bufsize=0, cwd=cwd)
+
+    def next(self, timeout=10):
+        """The next line, without its end; fails when none comes in time."""
+        line = b""
+        while not line.endswith(b"\n"):
+            assert select.select([self._process.stdout], [], [], timeout)[0], f"only {line}"
+            octet = self._process.stdout.read(1)
+            if not octet:
+                raise EOFError(f"it has ended, {self._process.wait(10)}: {line}")
+            line += octet
+        return line[:-1].decode()
+
+    def end(self):
+        """In order; returns its exit status."""
+        self._process.terminate()
+        try:
+            return self._process.wait(20)
+        finally:
+            self.close()
+
+    def close(self):
+        self._process.kill()
+        self._process.wait()
+        self._process.stdout.close()
+
+
 class Agent:
     """One lldp-agentd in a namespace. devices: {"Ethernet1": "eth1"} or a list of devices."""
 
@@ -90,10 +123,10 @@ class Agent:
         self.command = namespace.command(*words, *options, *devices, hostname=hostname)
         self.process = None
 
-    def start(self, timeout=10):
+    def start(self, timeout=10, stderr=subprocess.STDOUT):
         with open(self.log, "wb") as log:
             self.process = subprocess.Popen(self.command, stdin=subprocess.DEVNULL, stdout=log,
-                                            stderr=subprocess.STDOUT)
+                                            stderr=stderr)
         assert eventually(self.serves, timeout), f"the agent does not serve:\n{self.words()}"
         return self
 
@@ -155,3 +188,15 @@ class Agent:
 
     def lldp_json(self, *words):
         return json.loads(self.lldp(*words, "--json"))
+
+    def lldp_refuses(self, *words):
+        """What the command says that it cannot do, and its exit status."""
+        done = subprocess.run([LLDP, "--socket", self.socket, *words], capture_output=True,
+                              text=True, timeout=30)
+        (line,) = done.stderr.splitlines()
+        assert not done.stdout, done
+        return done.returncode, line
+
+    def watch(self, *words):
+        """A watching command, which has to be closed."""
+        return Lines(LLDP, "--socket", self.socket, "watch", *words)

@@ -46,13 +46,18 @@ class Scene:
         self._undo.append(lambda: self._end(made))
         return made
 
-    def peer(self, namespace, device, **more):
-        made = Peer(namespace, self.folder(), device, **more)
+    def peer(self, namespace, device, *options, **more):
+        made = Peer(namespace, self.folder(), device, *options, **more)
         self._undo.append(made.kill)
         return made
 
     def wire(self, namespace, device):
         made = Wire(namespace, device)
+        self._undo.append(made.close)
+        return made
+
+    def watch(self, agent, *words):
+        made = agent.watch(*words)
         self._undo.append(made.close)
         return made
 

@@ -1,6 +1,7 @@
 """An independent LLDP daemon as the neighbour at the other end of a cable."""
 
 import json
+import shlex
 import subprocess
 
 from netns import eventually
@@ -10,8 +11,8 @@ DESCRIPTION = "An independent peer"
 
 
 class Peer:
-    def __init__(self, namespace, folder, device, tx_interval=1, tx_hold=3):
-        self.namespace, self.device = namespace, device
+    def __init__(self, namespace, folder, device, *options, tx_interval=1, tx_hold=3):
+        self.namespace, self.device, self._options = namespace, device, options
         self.control = folder / "peer.sock"
         self.ttl = tx_interval * tx_hold
         self._log = folder / "peer.log"
@@ -25,7 +26,7 @@ class Peer:
 
     def start(self):
         words = self.namespace.command("lldpd", "-d", "-u", self.control, "-I", self.device,
-                                       "-O", self._setup)
+                                       "-O", self._setup, *self._options)
         with open(self._log, "wb") as log:
             # A session of its own: the daemon is two processes, and dies as one.
             self._process = subprocess.Popen(words, stdin=subprocess.DEVNULL, stdout=log,
@@ -51,6 +52,12 @@ class Peer:
         done = subprocess.run(["lldpcli", "-u", self.control, "-f", "json0", *words],
                               capture_output=True, text=True, timeout=10)
         return json.loads(done.stdout) if done.returncode == 0 and done.stdout else {}
+
+    def configure(self, words):
+        """One line in the daemon's own language; fails where it is not understood."""
+        done = subprocess.run(["lldpcli", "-u", self.control, "configure", *shlex.split(words)],
+                              capture_output=True, text=True, timeout=10)
+        assert done.returncode == 0 and not done.stderr, (words, done.stdout, done.stderr)
 
     def chassis(self):
         """What the daemon says of itself."""

@@ -3,12 +3,8 @@
 import os
 import subprocess
 
-import pytest
-
 from agent import Stream, request
-from frames import frame
 
-MAC = "02:11:22:33:44:55"
 CONFIG = "/v1/entity/l2discovery/lldp/cliConfig"
 
 
@@ -19,47 +15,6 @@ def told(stream):
     words = [name, data.get("port"), neighbour and neighbour["sysName"]["tlvInfo"],
              data.get("reason") or data.get("changed")]
     return [word for word in words if word]
-
-
-def test_a_neighbour_comes_changes_and_goes_with_each_reason(bench):
-    wire = bench.wire()
-    bench.wire("eth2").send(frame("02:00:00:00:00:09", "p", 120, "old"))
-    events = bench.agent.stream("/v1/events?standing=1")
-    first = [told(events) for _ in range(3)]
-    if ["neighbor-standing", "Ethernet2", "old"] not in first:  # its frame is on the way still
-        assert told(events) == ["neighbor-added", "Ethernet2", "old"]
-    else:
-        assert told(events) == ["standing-end"]
-    assert ["port-up", "Ethernet1"] in first and ["port-up", "Ethernet2"] in first
-
-    def comes(ttl=120):
-        wire.send(frame(MAC, "p", ttl, "new"))
-        assert told(events) == ["neighbor-added", "Ethernet1", "new"]
-
-    comes()
-    wire.send(frame(MAC, "p", 120, "new"))
-    wire.send(frame(MAC, "p", 120, "other"))
-    assert told(events) == ["neighbor-changed", "Ethernet1", "other", ["sysName"]]
-    wire.send(frame(MAC, "p", 0))
-    assert told(events) == ["neighbor-gone", "Ethernet1", "other", "shutdown"]
-    comes(ttl=1)
-    assert told(events) == ["neighbor-gone", "Ethernet1", "new", "timedOut"]
-    comes()
-    bench.agent.patch("l2discovery/lldp/remTablesCliConfig",
-                      remTablesClearRequest={"requesterName": "x", "requesterLine": "y"})
-    gone = [told(events) for _ in range(2)]
-    assert sorted(gone) == [["neighbor-gone", "Ethernet1", "new", "cleared"],
-                            ["neighbor-gone", "Ethernet2", "old", "cleared"]]
-    comes()
-    bench.far.ip("link", "set", "eth1", "down")
-    lost = [told(events) for _ in range(2)]
-    assert sorted(lost) == [["neighbor-gone", "Ethernet1", "new", "portLost"],
-                            ["port-down", "Ethernet1"]]
-    bench.far.ip("link", "set", "eth1", "up")
-    assert told(events) == ["port-up", "Ethernet1"]
-    assert bench.agent.stop() == 0
-    with pytest.raises(EOFError):
-        events.next()
 
 
 def test_a_neighbour_that_says_goodbye_itself(bench, scene):

@@ -18,6 +18,15 @@ inline std::string be32(uint32_t value) {
    return be16(value >> 16) + be16(value);
 }
 
+// The octets of hexadecimal pairs.
+inline std::string octets(std::string_view hex) {
+   std::string made;
+   for (size_t at = 0; at + 1 < hex.size(); at += 2) {
+      made += be8(static_cast<unsigned>(std::stoul(std::string(hex.substr(at, 2)), nullptr, 16)));
+   }
+   return made;
+}
+
 // A TLV whose header tells `length`, whatever follows.
 inline std::string tlvOfLength(unsigned type, unsigned length, std::string_view info) {
    return be16(type << 9 | length) + std::string(info);
@@ -52,6 +61,11 @@ inline std::string managementAddress(unsigned subtype, std::string_view address,
                      std::string(address) + be8(2) + be32(ifNumber) +
                      be8(static_cast<unsigned>(oid.size())) + std::string(oid));
 }
+constexpr uint32_t dot1 = 0x0080C2;
+constexpr uint32_t dot3 = 0x00120F;
+constexpr uint32_t tia = 0x0012BB;
+constexpr uint32_t cee = 0x001B21;
+
 inline std::string organization(uint32_t oui, unsigned subtype, std::string_view info) {
    return tlv(127, be32(oui << 8 | subtype) + std::string(info));
 }
@@ -63,9 +77,9 @@ inline std::string typicalLldpdu(uint32_t n = 1, std::string_view name = "switch
               "A network operating system, version 4.30.1F, on a 48-port switch of its own kind, "
               "Revision B01, 2026") +
           systemCapabilities(0x14, 0x14) + managementAddress(1, be32(0x0A000001), 999001) +
-          organization(0x0080C2, 1, be16(100)) +
-          organization(0x00120F, 1, be8(3) + be16(0x6C01) + be16(30)) +
-          organization(0x00120F, 3, be8(1) + be32(0)) + organization(0x00120F, 4, be16(9236)) +
+          organization(dot1, 1, be16(100)) +
+          organization(dot3, 1, be8(3) + be16(0x6C01) + be16(30)) +
+          organization(dot3, 3, be8(1) + be32(0)) + organization(dot3, 4, be16(9236)) +
           endOfLldpdu();
 }
 

@@ -103,7 +103,7 @@ TEST_F(CliCompletion, OffersWhatMayFollow) {
        {{"set", "tlv", "s"}, {"system-name", "system-description", "system-capabilities"}},
        {{"set", "tlv", "all", ""}, {"on", "off"}},
        {{"set", "port", "Ethernet7,"}, {"Ethernet7,Ethernet2", "Ethernet7,Ethernet10"}},
-       {{"set", "port", "Ethernet1", ""}, {"status"}},
+       {{"set", "port", "Ethernet1", ""}, {"status", "power-fallback", "network-policy"}},
        {{"set", "port", "Ethernet1", "status", "d"}, {"disabled"}},
        {{"set", "management-address", "i"}, {"interface"}},
        {{"set", "bogus", ""}, {}},

@@ -5,6 +5,7 @@
 #include "cli/Failure.h"
 #include "cli/PortList.h"
 #include "cli/SettingWords.h"
+#include "host/Settings.h"
 #include "model/CliConfig.h"
 #include "unit/CliFakeAgent.h"
 #include "unit/CliRun.h"
@@ -32,11 +33,36 @@ TEST(CliSettings, AreThoseOfTheAgentWithItsDefaults) {
          EXPECT_EQ(typedValue(setting, standard), setting.standard) << setting.words;
       }
    }
-   Json all = Rex::entityToJson(*config);
-   for (const auto& [name, value] : all.items()) {
-      bool known = name == "cliPortConfig" ||
-                   std::ranges::count(allSettings(), name, &Setting::attribute) == 1;
-      EXPECT_TRUE(known) << name;
+   auto isKnown = [](const std::string& attribute) {
+      return std::ranges::count(allSettings(), attribute, &Setting::attribute) == 1;
+   };
+   for (const auto& member : config->entityType().members()) {
+      EXPECT_TRUE(member->name == "cliPortConfig" || isKnown(member->name)) << member->name;
+   }
+   for (const auto& member : port->entityType().members()) {
+      bool known = member->name == "intfId" || isKnown("cliPortConfig/PORTS/" + member->name);
+      EXPECT_TRUE(known) << member->name;
+   }
+}
+
+// Neither refuses a number that the other takes.
+TEST(CliSettings, RangesAreThoseOfTheAgent) {
+   for (const Setting& setting : allSettings()) {
+      auto number = std::get_if<Number>(&setting.value);
+      if (!number) continue;
+      const auto& type =
+          setting.ofPorts() ? Lldp::CliPortConfig::staticType() : Lldp::CliConfig::staticType();
+      std::string name(setting.attribute.substr(setting.attribute.rfind('/') + 1));
+      auto takes = [&](unsigned value) {
+         try {
+            Host::decodeSettings(type, Json{{name, value}});
+            return true;
+         } catch (const Rex::JsonError&) {
+            return false;
+         }
+      };
+      EXPECT_TRUE(takes(number->least) && takes(number->most)) << setting.words;
+      EXPECT_FALSE(takes(number->least - 1) || takes(number->most + 1)) << setting.words;
    }
 }
 
@@ -46,7 +72,9 @@ TEST(CliSettings, EveryValueComesBackAsItWasTyped) {
    for (const Setting& setting : allSettings()) {
       std::vector<std::string> values{"blue-1"};
       if (auto number = std::get_if<Number>(&setting.value)) {
-         values = {std::to_string(number->least), std::to_string(number->most)};
+         values = {*typedValue(setting, number->least), *typedValue(setting, number->most)};
+      } else if (std::holds_alternative<Policies>(setting.value)) {
+         values = {"none", "voice:tagged:4094:7:63,any:untagged:0:0:0:guests"};
       } else if (auto choices = std::get_if<Choices>(&setting.value)) {
          values.clear();
          for (const Choice& choice : *choices) {
@@ -64,7 +92,7 @@ TEST(CliSettings, EveryValueComesBackAsItWasTyped) {
          auto config = Rex::make<Lldp::CliConfig>();
          Rex::Entity& entity = setting.ofPorts() ? static_cast<Rex::Entity&>(*port) : *config;
          std::string name(setting.attribute.substr(setting.attribute.rfind('/') + 1));
-         Rex::decodeEntity(entity.entityType(), Json{{name, typed[0].value}}, "")(entity);
+         Host::decodeSettings(entity.entityType(), Json{{name, typed[0].value}})(entity);
          EXPECT_EQ(typedValue(setting, attributeIn(setting, *config, *port)), value)
              << setting.words;
       }
@@ -85,6 +113,12 @@ TEST(CliSettings, WordsThatAreNoneSayWhatWasExpected) {
        {"management-address interface", "wants NAME"},
        {"management-vrf \x1b[2J", "management-vrf: expected a name of 1 to 100 visible"},
        {"port Ethernet1 all both", "no setting 'port Ethernet1 all'; expected one of status"},
+       {"port Ethernet1 power-fallback 100", "expected a number from 0 to 99.9, got '100'"},
+       {"port Ethernet1 power-fallback 1.55", "got '1.55'"},
+       {"port Ethernet1 network-policy voice:tagged:4095:0:0", "VLAN to 4094"},
+       {"port Ethernet1 network-policy fax:tagged:1:0:0", "one of any, voice,"},
+       {"port Ethernet1 network-policy any:tagged:1:0:0,any:tagged:2:0:0", "expected none, or APP"},
+       {"port Ethernet01 status both", "PORTS: expected names such as Ethernet1"},
        {"port eth0 status both", "PORTS: expected names such as Ethernet1"},
        {"interval 5 bogus", "no setting 'bogus'"},
    };
@@ -126,25 +160,32 @@ class CliSet : public testing::Test {
       words.insert(words.begin(), {"--socket", agent.socketPath()});
       return cliRun(words);
    }
-   // What a call has the agent change.
-   std::string changes(const std::vector<std::string>& words) {
+   // What a call has the agent change, in one request.
+   std::string changes(const std::vector<std::string>& words, const std::string& told = "") {
       agent.answer("POST /v1/changes", "204 No Content", "");
+      agent.answer("/v1/entity/l2discovery/lldp/status/local/1?depth=0", "200 OK",
+                   R"({"portStatus": {"Ethernet3/1": {}}})");
       agent.start();
       CliDone done = run(words);
       EXPECT_EQ(done.status, 0) << done.err;
-      return agent.requests().empty() ? "" : agent.requests().back();
+      EXPECT_EQ(done.out, told);
+      std::string found;
+      for (const std::string& request : agent.requests()) {
+         if (request.starts_with("POST")) found += request;
+      }
+      return found;
    }
    CliFakeAgent agent;
 };
 
 TEST_F(CliSet, SeveralSettingsAreOneRequest) {
    EXPECT_EQ(
-       changes({"set", "interval", "10", "port", "Ethernet3/1-2", "status", "receive"}),
+       changes({"set", "interval", "10", "port", "Ethernet3/1-2", "status", "receive"},
+               "not there yet, but set for when it comes: Ethernet3/2\n"),
        R"(POST /v1/changes {"changes":[)"
        R"({"method":"PATCH","path":"l2discovery/lldp/cliConfig","body":{"messageTxInterval":10}},)"
        R"({"method":"PUT","path":"l2discovery/lldp/cliConfig/cliPortConfig/Ethernet3%2F1","body":{"adminStatus":"rxOnly"}},)"
        R"({"method":"PUT","path":"l2discovery/lldp/cliConfig/cliPortConfig/Ethernet3%2F2","body":{"adminStatus":"rxOnly"}}]})");
-   EXPECT_EQ(agent.requests().size(), 1u);
 }
 
 TEST_F(CliSet, AllTlvsAtOnce) {
@@ -181,7 +222,7 @@ TEST_F(CliSet, ShowConfigCanBePastedBack) {
       "mgmtAddrTxOption": {"mgmtAddrTxMode": "mgmtAddrTxModeIntfName", "intfName": "a;b"},
       "mgmtAddrVrf": "it's", "ip6MgmtAddrIntfName": "-x",
       "cliPortConfig": {"Ethernet10": {"adminStatus": "rxOnly"}, "Ethernet3": {},
-         "Ethernet2": {"adminStatus": "disabled", "poeAllocatedPowerFallback": 3}}},
+         "Ethernet2": {"adminStatus": "disabled", "poeAllocatedPowerFallback": 154}}},
       "other/path": {"x": 1}})");
    agent.start();
    EXPECT_EQ(run({"show", "config"}).out,
@@ -193,21 +234,26 @@ TEST_F(CliSet, ShowConfigCanBePastedBack) {
              "lldp set management-vrf 'it'\\''s'\n"
              "# l2discovery/lldp/cliConfig/ip6MgmtAddrIntfName: \"-x\"\n"
              "lldp set port Ethernet2 status disabled\n"
-             "# l2discovery/lldp/cliConfig/cliPortConfig/Ethernet2/poeAllocatedPowerFallback: 3\n"
+             "lldp set port Ethernet2 power-fallback 15.4\n"
              "lldp set port Ethernet10 status receive\n"
              "# other/path: {\"x\":1}\n");
 }
 
 TEST_F(CliSet, ClearSaveAndTrace) {
-   agent.answer("/v1/entity/l2discovery/lldp/status/local/1?depth=1", "200 OK",
-                R"({"portStatus": {"Ethernet1": {"remoteSystem": {"1": {}, "2": {}}}}})");
+   agent.answer("/v1/config", "200 OK",
+                R"({"l2discovery/lldp/cliConfig": {"cliPortConfig": {"Ethernet1": {}}}})");
+   const std::string status = "/v1/entity/l2discovery/lldp/status/local/1?depth=1";
+   agent.answerOnce(status, "200 OK",
+                    R"({"portStatus": {"Ethernet1": {"remoteSystem": {"1": {}, "2": {}}}}})");
+   agent.answer(status, "200 OK", R"({"portStatus": {"Ethernet1": {"remoteSystem": {}}}})");
    agent.answer("PATCH /v1/entity/l2discovery/lldp/remTablesCliConfig", "204 No Content", "");
    agent.answer("POST /v1/config/save", "200 OK", R"({"file": "/etc/lldp\u001b.json"})");
    agent.answer("/v1/agent/trace", "200 OK", R"({"LldpAgent": [], "LldpProtocol": [0, 4]})");
    agent.answer("PATCH /v1/agent/trace", "204 No Content", "");
    agent.start();
+   EXPECT_EQ(run({"show", "config"}).out, "# everything has its default\n");
    EXPECT_EQ(run({"clear", "neighbors"}).out, "2 neighbors cleared\n");
-   EXPECT_THAT(agent.requests().back(),
+   EXPECT_THAT(agent.requests()[agent.requests().size() - 2],
                HasSubstr(R"({"requesterName":"admin","requesterLine":"pts/3"})"));
    EXPECT_EQ(run({"config", "save"}).out, "saved to /etc/lldp\\x1b.json\n");
    EXPECT_EQ(agent.requests().back(), "POST /v1/config/save");
@@ -219,6 +265,20 @@ TEST_F(CliSet, ClearSaveAndTrace) {
       EXPECT_EQ(run({"trace", "LldpAgent", typed}).status, 0);
       EXPECT_EQ(agent.requests().back(),
                 std::string(R"(PATCH /v1/agent/trace {"LldpAgent":)") + sent + "}");
+   }
+   // With --json every answer is an object, also that there is nothing to tell.
+   agent.answer("POST /v1/changes", "204 No Content", "");
+   const std::vector<std::pair<std::vector<std::string>, const char*>> answers{
+       {{"clear", "neighbors", "--json"}, R"({"cleared":0})"},
+       {{"config", "save", "--json"}, R"({"file":"/etc/lldp\u001b.json"})"},
+       {{"trace", "--json"}, R"({"trace":{"LldpAgent":[],"LldpProtocol":[0,4]}})"},
+       {{"trace", "LldpAgent", "--json"}, R"({"trace":{"LldpAgent":[]}})"},
+       {{"trace", "LldpAgent", "off", "--json"}, "{}"},
+       {{"set", "interval", "5", "--json"}, "{}"},
+       {{"unset", "interval", "--json"}, "{}"},
+   };
+   for (const auto& [words, said] : answers) {
+      EXPECT_EQ(Json::parse(run(words).out).dump(-1, ' ', true), said) << words[0];
    }
    for (const char* bad : {"10", "4-2", "a", "1,", ",", "1-", ""}) {
       EXPECT_EQ(run({"trace", "LldpAgent", bad}).status, 2) << bad;

@@ -66,8 +66,8 @@ class CliShow : public testing::Test {
       address.oid.text = "1.3.6";
       made->managementAddressIs(address);
       made->unknownTlvIs({10, Lldp::BoundedString511("\x0a\xff", 2)});
-      made->unknownOrgDefTlvIs({{{0x0080C2}, 1, 2}, Lldp::BoundedString507("\x00\x05", 2)});
-      made->unknownOrgDefTlvIs({{{0x0080C2}, 1, 1}, Lldp::BoundedString507("ab", 2)});
+      made->unknownOrgDefTlvIs({{{0x0080C2}, 9, 2}, Lldp::BoundedString507("\x00\x05", 2)});
+      made->unknownOrgDefTlvIs({{{0x0080C2}, 9, 1}, Lldp::BoundedString507("ab", 2)});
       return made;
    }
 
@@ -116,12 +116,13 @@ TEST_F(CliShow, NeighborsAsJson) {
       "capabilities": {"supported": ["Bridge", "Router"], "enabled": ["Bridge"]},
       "managementAddresses": [{"family": "ipv4", "familyNumber": 1, "address": "192.0.2.1",
          "interfaceNumbering": "ifIndex", "interfaceNumber": 7, "oid": "1.3.6"}],
+      "protocolVlans": [], "vlanNames": [], "protocolIdentities": [], "networkPolicies": [],
       "unknownTlvs": [{"type": 10, "value": "0aff"}],
       "unknownOrganizationTlvs": [
-         {"oui": "00-80-c2", "subtype": 1, "index": 1, "value": "6162", "name": "Port VLAN ID"},
-         {"oui": "00-80-c2", "subtype": 1, "index": 2, "value": "0005", "name": "Port VLAN ID"}],
-      "ttl": 120, "expiresInSeconds": 97.5, "ageSeconds": 100.0, "sinceChangeSeconds": 90.0,
-      "sinceRefreshSeconds": 22.5, "sourceMac": "02:00:00:00:00:09"}]})"));
+         {"oui": "00-80-c2", "subtype": 9, "index": 1, "value": "6162", "name": "ETS Configuration"},
+         {"oui": "00-80-c2", "subtype": 9, "index": 2, "value": "0005", "name": "ETS Configuration"}],
+      "sourceMac": "02:00:00:00:00:09", "ttl": 120, "expiresInSeconds": 97.5, "ageSeconds": 100.0,
+      "sinceChangeSeconds": 90.0, "sinceRefreshSeconds": 22.5}]})"));
 }
 
 TEST_F(CliShow, WhatWasNotSaidIsNotInTheJson) {
@@ -168,13 +169,14 @@ TEST_F(CliShow, NeighborsInDetail) {
              "  Capabilities enabled    Bridge\n"
              "  Management address      192.0.2.1 (IPv4), interface index 7, OID 1.3.6\n"
              "  Unknown TLV             type 10: 0aff\n"
-             "  Organization TLV        00-80-c2 subtype 1 (Port VLAN ID): 6162\n"
-             "  Organization TLV        00-80-c2 subtype 1 (Port VLAN ID): 0005\n"
-             "  Time to live            120 s, 98 s left\n"
+             "  Organization TLV        00-80-c2 subtype 9 (ETS Configuration): 6162\n"
+             "  Organization TLV        00-80-c2 subtype 9 (ETS Configuration): 0005\n"
+             "  Source MAC              02:00:00:00:00:09\n"
+             "  Time to live            120 s\n"
+             "  Time left               98 s\n"
              "  Discovered              1 min 40 s ago\n"
              "  Last change             1 min 30 s ago\n"
-             "  Last refresh            22 s ago\n"
-             "  Source MAC              02:00:00:00:00:09\n");
+             "  Last refresh            22 s ago\n");
 }
 
 TEST_F(CliShow, NobodyThere) {
@@ -230,12 +232,50 @@ TEST_F(CliShow, Local) {
          "interfaceNumbering": "unknown", "interfaceNumber": 0}],
       "timers": {"transmitInterval": 30, "holdTime": 120, "reinitDelay": 2, "transmitDelay": 2},
       "ports": [{"port": "Ethernet1", "portId": {"subtype": "interfaceName", "id": "Ethernet1"},
-         "adminStatus": "rxOnly"}]}})"));
+         "adminStatus": "rxOnly", "networkPolicies": []}]}})"));
    std::string words = show({"local"});
    EXPECT_THAT(words, HasSubstr("Chassis ID              02:00:00:00:00:01 (MAC address)\n"));
    EXPECT_THAT(
        words,
        HasSubstr("Ethernet1     Ethernet1 (interface name)     -            receive only\n"));
+}
+
+TEST_F(CliShow, TheTlvsOfAPort) {
+   // What is not to be sent is not said: the aggregation here, the rest on another port.
+   config->portConfig(ethernet1)->dot3EnabledTlvsIs({0x04});
+   config->portConfig(ethernet1)->tiaEnabledTlvsIs({0x02});
+   auto port = config->portConfig(ethernet2);
+   port->portVlanTxEnableIs(true);
+   port->dot3EnabledTlvsIs({0x08});
+   port->poeAllocatedPowerFallbackIs(154);
+   auto says = local->localPort(ethernet2);
+   says->portVlanIdIs(7);
+   says->linkAggregationInfoIs({3, 9});
+   says->maximumFrameSizeInfoIs({9236});
+   says->localNetworkPolicyTlvIs({1, false, true, 20, 5, 46});
+   Json ports = showJson({"local"}).at("local").at("ports");
+   EXPECT_EQ(ports.at(0), Json::parse(R"({
+      "port": "Ethernet1", "portId": {"subtype": "interfaceName", "id": "Ethernet1"},
+      "adminStatus": "txAndRx",
+      "linkAggregation": {"capable": false, "enabled": false, "portId": 0},
+      "medCapabilities": {"capabilities": ["LLDP-MED Capabilities"],
+         "deviceClass": "network connectivity"}, "networkPolicies": []})"));
+   EXPECT_EQ(ports.at(1), Json::parse(R"({
+      "port": "Ethernet2", "portId": {"subtype": "interfaceName", "id": "Ethernet2"},
+      "adminStatus": "txAndRx", "portVlanId": 7, "maximumFrameSize": 9236, "networkPolicies": [
+         {"applicationNumber": 1, "application": "voice", "unknown": false, "tagged": true,
+          "vlanId": 20, "priority": 5, "dscp": 46}], "powerFallbackWatts": 15.4})"));
+   EXPECT_THAT(
+       show({"local", "Ethernet2"}),
+       testing::EndsWith("\n\n"
+                         "Port                    Ethernet2\n"
+                         "Port ID                 Ethernet2 (interface name)\n"
+                         "Port description        -\n"
+                         "LLDP                    transmit and receive\n"
+                         "Port VLAN ID            7\n"
+                         "Maximum frame size      9236\n"
+                         "Network policy          voice: tagged, VLAN 20, priority 5, DSCP 46\n"
+                         "Power without a report  15.4 W\n"));
 }
 
 TEST_F(CliShow, Statistics) {
@@ -245,6 +285,7 @@ TEST_F(CliShow, Statistics) {
    port->txFramesTotalInc(12);
    port->rxAgeoutsTotalInc(13);
    port->lastTxTimeIs(now - 3);
+   port->ceeSeqNumToAckIs(4294967295);
    status->remTablesInsertsInc(4);
    status->remTablesLastChangeTimeIs(now - 61);
    Json all = showJson({"statistics"}).at("statistics");
@@ -254,9 +295,10 @@ TEST_F(CliShow, Statistics) {
    EXPECT_EQ(all.at("ports").at(1), Json::parse(R"({"port": "Ethernet2", "neighbors": 1,
       "framesSent": 12, "framesShortOfRoom": 0, "framesNotSent": 0, "framesReceived": 11,
       "framesDiscarded": 0, "framesWithErrors": 0, "tlvsDiscarded": 0, "tlvsUnrecognized": 0,
-      "neighborsAgedOut": 13, "sinceSentSeconds": 3.0})"));
+      "neighborsAgedOut": 13, "sinceSentSeconds": 3.0, "ceeSequenceNumber": 4294967295})"));
    std::string words = show({"statistics", "Ethernet2"});
    EXPECT_THAT(words, HasSubstr("Frames received                             11\n"));
+   EXPECT_THAT(words, HasSubstr("CEE sequence number received                4294967295\n"));
    words = show({"statistics"});
    EXPECT_THAT(words, HasSubstr("Last change                         1 min 1 s ago\n"));
    EXPECT_THAT(words, testing::ContainsRegex("\nEthernet2  +1  +12  +0  +0  +11  "));
@@ -286,9 +328,11 @@ TEST(CliCommandLine, MisuseIsOneLineAndStatus2) {
    const std::vector<std::pair<std::vector<std::string>, const char*>> cases{
        {{}, "show"},
        {{"show"}, "neighbors, local, statistics, interfaces, config"},
-       {{"show", "nothing"}, "nothing"},
-       {{"show", "neighbors", "Ethernet1", "Ethernet2"}, "Ethernet2"},
-       {{"show", "local", "--detail"}, "--detail"},
+       {{"help"}, "'help' is not expected here: 'lldp' takes show, watch, set,"},
+       {{"show", "nothing"}, "'nothing' is not expected here: 'show' takes neighbors, local,"},
+       {{"show", "neighbors", "Ethernet1", "Ethernet2"}, "'neighbors' takes detail, PORT, --json"},
+       {{"show", "local", "--detail"}, "'--detail' is not expected here: 'local' takes PORT,"},
+       {{"man", "x"}, "'x' is not expected here: 'man' takes no more words"},
        {{"show", "neighbors", "--socket"}, "--socket"},
        {{"show", "\x1b[2J\n"}, "\\x1b[2J\\x0a"},
    };

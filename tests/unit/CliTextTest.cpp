@@ -3,11 +3,12 @@
 
 #include <sstream>
 
+#include "cli/BasicTlvs.h"
 #include "cli/Failure.h"
+#include "cli/Names.h"
 #include "cli/Octets.h"
 #include "cli/Table.h"
 #include "cli/Times.h"
-#include "cli/Tlvs.h"
 #include "cli/Width.h"
 
 namespace LldpCli {

@@ -90,14 +90,14 @@ TEST_F(CliWatch, EventsAsLines) {
 
 TEST_F(CliWatch, EventsAsJson) {
    Json data = neighborEvent(*oneNeighbor("spine"));
-   data["changed"] = {"sysName", "unheardOf"};
+   data["changed"] = {"sysName", "portVlanId", "portVlanIdTlvReceived", "unheardOf"};
    std::string out = watch(event("neighbor-changed", data), {"--json", "--standing"}).out;
    EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 1);
    Json line = Json::parse(out);
    EXPECT_EQ(line.at("neighbor").at("systemName"), "spine");
    line.erase("neighbor");
    EXPECT_EQ(line, Json::parse(R"({"event": "neighbor-changed", "time": 999999990.5,
-      "port": "Ethernet1", "changed": ["systemName", "unheardOf"]})"));
+      "port": "Ethernet1", "changed": ["systemName", "portVlanId", "unheardOf"]})"));
 }
 
 TEST_F(CliWatch, OnePortAndWhatConcernsAll) {
@@ -107,6 +107,8 @@ TEST_F(CliWatch, OnePortAndWhatConcernsAll) {
    std::string out = watch(octets, {"Ethernet10", "--json"}).out;
    EXPECT_THAT(out, testing::Not(HasSubstr("\"Ethernet1\"")));
    EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 2);
+   EXPECT_THAT(watch(octets, {"Ethernet10"}).out,
+               testing::StartsWith("no port Ethernet10 yet; waiting for it\n"));
    EXPECT_EQ(cliRun({"watch", "eth0"}).status, 2);
 }
 

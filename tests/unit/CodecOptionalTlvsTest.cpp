@@ -1,45 +1,11 @@
 // The optional TLVs of a received frame, each alone.
-#include <gmock/gmock.h>
-
-#include "support/CodecPort.h"
-#include "support/FrameBuilder.h"
-#include "support/TestContext.h"
+#include "support/TlvFixture.h"
 
 using namespace LldpTest;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
-enum Result { ok, unrecognized, error, fatal };
-
-class CodecOptionalTlvs : public testing::Test {
- protected:
-   CodecOptionalTlvs() { context.traceOn("LldpProtocol"); }
-
-   // Receives the TLV with one behind it, and checks what becomes of both and of the frame.
-   void expect(const std::string& octets, Result result, const std::string& words = "") {
-      CodecPort port;
-      context.traces.clear();
-      auto neighbour = port.receive(mandatory() + octets + tlv(5, "behind"));
-      const auto& status = *port.portStatus;
-      if (words.empty()) {
-         EXPECT_THAT(context.traced(0), IsEmpty());
-      } else {
-         EXPECT_THAT(context.traced(0), ElementsAre(words));
-      }
-      EXPECT_EQ(bool(neighbour), result != fatal);
-      if (neighbour) {
-         EXPECT_EQ(neighbour->sysName().tlvInfo.value(), "behind");
-      }
-      EXPECT_EQ(status.rxTLVsUnrecognizedTotal(), result == unrecognized ? 1u : 0u);
-      EXPECT_EQ(status.rxTLVsDiscardedTotal(), result == error ? 1u : 0u);
-      EXPECT_EQ(status.rxFramesErrors(), result == error || result == fatal ? 1u : 0u);
-      EXPECT_EQ(status.rxFramesDiscardedTotal(), result == fatal ? 1u : 0u);
-   }
-
-   TestContext context;
-};
+using CodecOptionalTlvs = TlvFixture;
 
 TEST_F(CodecOptionalTlvs, TextsAreCutAndTheLastOneStands) {
    for (size_t length : {0u, 1u, 255u, 256u, 511u}) {

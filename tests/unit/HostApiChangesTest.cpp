@@ -58,9 +58,10 @@ TEST_F(HostApiChanges, ADeletedAttributeHasItsDefault) {
    auto row = store.cliConfig()->cliPortConfig(Wirekit::IntfId("Ethernet1"));
    EXPECT_EQ(row->adminStatus(), Lldp::AdminStatus::txAndRx);
    EXPECT_EQ(row->poeAllocatedPowerFallback(), 7u);
-   EXPECT_EQ(ask("PUT", tlvs + "/x?type=Lldp%3A%3ALocalSystem").status, 201);
-   EXPECT_EQ(ask("DELETE", tlvs + "/x/sysName").status, 204);
-   EXPECT_EQ(ask("DELETE", tlvs + "/x/chassisIdentifier").status, 405)
+   store.manager->entityIs("any", "Rex::Dir");
+   EXPECT_EQ(ask("PUT", "any/x?type=Lldp%3A%3ALocalSystem").status, 201);
+   EXPECT_EQ(ask("DELETE", "any/x/sysName").status, 204);
+   EXPECT_EQ(ask("DELETE", "any/x/chassisIdentifier").status, 405)
        << "it starts out as what nobody may write";
    EXPECT_EQ(ask("DELETE", port + "/intfId").status, 405);
    EXPECT_EQ(ask("DELETE", cli + "/cliPortConfig").status, 405);
@@ -99,6 +100,24 @@ TEST_F(HostApiChanges, MayRelyOnRowsThatEarlierOnesMake) {
    EXPECT_EQ(change({}).status, 204);
 }
 
+// Rows that a request makes count as those that stand, and those that it removes do not.
+TEST_F(HostApiChanges, RowsHaveABound) {
+   constexpr int most = 4096;
+   const std::string rows = cli + "/cliPortConfig/Ethernet";
+   std::vector<std::string> changes;
+   for (int i = 0; i < most; ++i) changes.push_back("PUT " + rows + std::to_string(i));
+   EXPECT_EQ(change(changes).status, 204);
+   changes = {"DELETE " + rows + "7", "PUT " + rows + "9999", "PATCH " + rows + "8 {}",
+              "PUT " + rows + "8", "PUT " + rows + "7"};
+   auto answer = change(changes);
+   EXPECT_EQ(answer.status, 400);
+   EXPECT_EQ(answer.body["error"]["change"], 4);
+   EXPECT_THAT(answer.body.dump(), HasSubstr("cliPortConfig: expected at most 4096 rows"));
+   changes.pop_back();
+   EXPECT_EQ(change(changes).status, 204);
+   EXPECT_EQ(store.cliConfig()->cliPortConfigs(), static_cast<size_t>(most));
+}
+
 // The first changes of each are good, and would be seen if they were made.
 TEST_F(HostApiChanges, NothingIsMadeUnlessAllAreGood) {
    ask("PUT", cli + "/cliPortConfig/Ethernet7");
@@ -118,6 +137,10 @@ TEST_F(HostApiChanges, NothingIsMadeUnlessAllAreGood) {
        {{"DELETE " + seven, "DELETE " + seven}, 404, "Ethernet7"},
        {{put, put + R"( {"adminStatus":"perhaps"})"}, 400, "perhaps"},
        {{put, put + "/networkPolicyConfig/1"}, 400, "not made here"},
+       {{put,
+         put + "/networkPolicyConfig/" + std::string(100'000, '[') + std::string(100'000, ']')},
+        400,
+        "nested more than 16 levels"},
        {{put, "PUT " + cli + "/cliPortConfig/no%20name"}, 400, "interface name"},
        {{good, "PATCH l2discovery/lldp/config {}"}, 403, "agent"},
        {{good, "PUT " + tlvs + "/a", "PUT " + tlvs + "/a/externalTlvPortConfig/%41%20"},

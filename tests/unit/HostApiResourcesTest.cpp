@@ -66,6 +66,10 @@ TEST_F(HostApiResources, RefusalsNameTheirReasonAndChangeNothing) {
       std::vector<std::string> words;
    };
    const std::string config = entities + cliPath;
+   const std::string port = config + "/cliPortConfig/Ethernet1";
+   const std::string clear = entities + "l2discovery/lldp/remTablesCliConfig";
+   const std::string deep =
+       "{\"messageTxInterval\":" + std::string(100'000, '[') + std::string(100'000, ']') + "}";
    const Case cases[] = {
        {"GET", entities + "no/such%2Fpath", "", 404, {"no/such%2Fpath"}},
        {"GET", config + "/cliPortConfig/Ethernet1", "", 404, {}},
@@ -88,11 +92,9 @@ TEST_F(HostApiResources, RefusalsNameTheirReasonAndChangeNothing) {
         R"({"messageTxInterval":-1})",
         400,
         {"messageTxInterval: expected a whole number from 1 to 3600, got -1"}},
-       {"PATCH", config, R"({"messageTxInterval":3601})", 400, {"3600, got 3601"}},
-       {"PATCH", config, R"({"messageTxHoldTime":0})", 400, {"from 1 to 65535, got 0"}},
-       {"PATCH", config, R"({"messageTxHoldTime":65536})", 400, {"from 1 to 65535, got 65536"}},
-       {"PATCH", config, R"({"reinitDelay":0})", 400, {"from 1 to 10, got 0"}},
-       {"PATCH", config, R"({"reinitDelay":11})", 400, {"from 1 to 10, got 11"}},
+       {"PATCH", config, deep.c_str(), 400, {"line 1", "16 levels"}},
+       {"PATCH", config, R"({"enabled":false,"enabled":true})", 400, {"enabled", "already"}},
+       {"PATCH", config, "{/* why */}", 400, {"JSON"}},
        {"PATCH", config, R"({"messageTxInterval":1e400})", 400, {}},
        {"PATCH", config, R"({"messageTxHoldTime":77,"enabled":3})", 400, {"enabled", "3", "true"}},
        {"PATCH", config, R"({"messageTxHoldTime":77,"noSuchThing":1})", 400, {"noSuchThing"}},
@@ -101,7 +103,7 @@ TEST_F(HostApiResources, RefusalsNameTheirReasonAndChangeNothing) {
         R"({"mgmtAddrTxOption":{"mgmtAddrTxMode":"worst"}})",
         400,
         {"mgmtAddrTxOption.mgmtAddrTxMode", "worst", "mgmtAddrTxModeBest"}},
-       {"PATCH", config, R"({"mgmtAddrTxOption":{"intf":"x"}})", 400, {"intf"}},
+       {"PATCH", config, R"({"mgmtAddrTxOption":{"intf":"x"}})", 400, {"mgmtAddrTxOption.intf:"}},
        {"PATCH", config, R"({"cliPortConfig":{}})", 400, {"cliPortConfig"}},
        {"PATCH", entities + "l2discovery/lldp/config", R"({"txDelay":9})", 403, {"agent"}},
        {"PUT", entities + "l2discovery/lldp/config/portConfig/Ethernet1", "", 403, {"agent"}},
@@ -113,21 +115,35 @@ TEST_F(HostApiResources, RefusalsNameTheirReasonAndChangeNothing) {
         {"feeder"}},
        {"PATCH", entities + "no/such/path", "{}", 404, {}},
        {"PUT", config + "/cliPortConfig/no%20name", "{}", 400, {"no name", "interface name"}},
+       {"PUT", config + "/cliPortConfig/Ethenet1", "{}", 400, {"port name", "\"Ethenet1\""}},
+       {"PUT", config + "/cliPortConfig/Ethernet01", "{}", 400, {"port name", "Ethernet01"}},
+       {"PUT", port, R"({"adminStatus":"perhaps"})", 400, {"adminStatus", "perhaps", "txAndRx"}},
+       {"PUT", port, R"({"intfId":"Ethernet2"})", 400, {"intfId"}},
        {"PUT",
-        config + "/cliPortConfig/Ethernet1",
-        R"({"adminStatus":"perhaps"})",
+        port,
+        R"({"networkPolicyConfig":[{"appType":1},{"appType":1,"dscp":7}]})",
         400,
-        {"adminStatus", "perhaps", "txAndRx"}},
-       {"PUT", config + "/cliPortConfig/Ethernet1", R"({"intfId":"Ethernet2"})", 400, {"intfId"}},
-       {"DELETE", config + "/cliPortConfig/Ethernet1", "", 404, {}},
+        {"networkPolicyConfig[1]", "key 1"}},
+       {"DELETE", port, "", 404, {}},
        {"DELETE", config + "/noSuchThing", "", 404, {}},
-       {"DELETE", config + "/cliPortConfig/Ethernet1/adminStatus", "", 404, {}},
+       {"DELETE", port + "/adminStatus", "", 404, {}},
+       {"PATCH",
+        clear,
+        R"({"remTablesClearRequest":{"requestTime":1e12}})",
+        400,
+        {"remTablesClearRequest.requestTime: expected at most", "got 1000000000000.0"}},
        {"DELETE", entities + "l2discovery/lldp/config/txDelay", "", 403, {"agent"}},
        {"PUT",
         entities + "l2discovery/lldp/externalTlvs/x?type=Lldp%3A%3ANothing",
         "",
         400,
         {"Lldp::Nothing"}},
+       {"PUT",
+        entities + "l2discovery/lldp/externalTlvs/x?type=Lldp%3A%3ACliConfig",
+        "",
+        400,
+        {"type: expected Lldp::ExternalTlvConfig, got \"Lldp::CliConfig\""}},
+       {"PUT", entities + "l2discovery/lldp/externalTlvs/a%20b", "", 400, {"64 visible"}},
    };
    const std::string before = get("l2discovery/lldp/cliConfig").dump();
    for (const Case& one : cases) {
@@ -142,6 +158,54 @@ TEST_F(HostApiResources, RefusalsNameTheirReasonAndChangeNothing) {
    }
    EXPECT_EQ(get("l2discovery/lldp/cliConfig").dump(), before);
    EXPECT_EQ(get("l2discovery/lldp/config")["portConfig"].size(), 0u);
+}
+
+TEST_F(HostApiResources, RangesHoldAtTheirEnds) {
+   const std::string config = entities + cliPath;
+   const std::string port = config + "/cliPortConfig/Ethernet1";
+   const std::string clear = entities + "l2discovery/lldp/remTablesCliConfig";
+   const std::string provider = entities + "l2discovery/lldp/externalTlvs/provider";
+   const std::string tlvs = provider + "/externalTlvPortConfig/Ethernet1";
+   auto text = [](size_t length) { return '"' + std::string(length, 'x') + '"'; };
+   struct Case {
+      std::string path;
+      const char* body;  // # stands for the value
+      std::vector<std::string> good;
+      std::vector<std::string> bad;
+   };
+   const Case cases[] = {
+       {config, R"({"messageTxInterval":#})", {"1", "3600"}, {"0", "3601"}},
+       {config, R"({"messageTxHoldTime":#})", {"1", "65535"}, {"0", "65536"}},
+       {config, R"({"reinitDelay":#})", {"1", "10"}, {"0", "11"}},
+       {config, R"({"ip6MgmtAddrIntfName":#})", {text(64), "\"\""}, {text(65), "\"a b\""}},
+       {config, R"({"mgmtAddrTxOption":{"intfName":#}})", {text(64), "\"\""}, {text(65)}},
+       {config, R"({"mgmtAddrVrf":#})", {text(100)}, {text(101)}},
+       {port, R"({"poeAllocatedPowerFallback":#})", {"0", "999"}, {"-1", "1000"}},
+       {port, R"({"networkPolicyConfig":[{},{"appType":1,"vlanId":#}]})", {"4094"}, {"4095"}},
+       {port, R"({"networkPolicyConfig":[{"l2Priority":#}]})", {"7"}, {"8"}},
+       {port, R"({"networkPolicyConfig":[{"dscp":#}]})", {"63"}, {"64"}},
+       {port, R"({"networkPolicyConfig":[{"policyName":#}]})", {text(64)}, {text(65)}},
+       {clear, R"({"remTablesClearRequest":{"requesterName":#}})", {text(256)}, {text(257)}},
+       {clear, R"({"remTablesClearRequest":{"requesterLine":#}})", {text(256)}, {text(257)}},
+       {provider, R"({"name":#})", {text(64)}, {text(65)}},
+       {tlvs,
+        R"({"unknownOrgDefTlv":[{"key":{"oui":{"value":#}}}]})",
+        {"16777215"},
+        {"16777216", "4294967295"}},
+       {tlvs, R"({"unknownOrgDefTlv":[{"key":{"subtype":#}}]})", {"255"}, {"256"}},
+   };
+   for (const Case& one : cases) {
+      auto put = [&](const std::string& value) {
+         std::string body = one.body;
+         body.replace(body.find('#'), 1, value);
+         auto answer = ask(one.path.ends_with("Config") ? "PATCH" : "PUT", one.path, body);
+         return answer.body.is_null() ? "" : answer.body.dump();
+      };
+      for (const std::string& value : one.good) EXPECT_EQ(put(value), "") << one.body;
+      for (const std::string& value : one.bad) {
+         EXPECT_THAT(put(value), HasSubstr("expected")) << one.body << value;
+      }
+   }
 }
 
 // The machines of the agent see each change of a request by itself, as if it had come alone.

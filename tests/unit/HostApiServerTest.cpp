@@ -25,6 +25,9 @@ TEST_F(HostApiServer, OneConnectionServesOneRequestAfterTheOther) {
                StartsWith("HTTP/1.1 204 No Content\r\n"));
    EXPECT_THAT(exchange(client, get(interval)), EndsWith("\r\n\r\n5\n"));
    EXPECT_THAT(exchange(client, patch("{}")), Not(HasSubstr("Content-Length")));
+   std::string head = exchange(client, "HEAD /v1/paths HTTP/1.1\r\n\r\n");
+   EXPECT_THAT(head, StartsWith("HTTP/1.1 405"));
+   EXPECT_THAT(head, EndsWith("\r\n\r\n")) << "no body, which would pass for the next answer";
    EXPECT_FALSE(client.ended);
    EXPECT_THAT(exchange(client, "GET /v1/paths HTTP/1.1\r\nConnection: close\r\n\r\n"),
                HasSubstr("200 OK"));
@@ -92,6 +95,8 @@ TEST_F(HostApiServer, EachLimitHasItsAnswer) {
        {post + "Content-Length: 99999999999999999999999\r\n\r\n", "400"},
        {post + "Content-Length: -1\r\n\r\n", "400"},
        {post + "Transfer-Encoding: chunked\r\n\r\n80\r\n" + std::string(128, ' '), "413"},
+       {post + "Transfer-Encoding: chunked\r\n\r\n1;" + std::string(600, 'x'), "431"},
+       {post + "Transfer-Encoding: chunked\r\n\r\n0\r\nA: " + std::string(600, 'x'), "431"},
        {"GET / HTTP/9.9\r\n\r\n", "400"},
        {std::string(64, '\0') + "\r\n\r\n", "400"},
        {get("/v1/agent"), "400"},  // longer than an answer may be

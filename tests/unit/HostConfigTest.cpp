@@ -75,7 +75,7 @@ TEST_F(HostConfig, WhatIsSavedLoadsToTheSame) {
    EXPECT_EQ(store.cliConfig()->messageTxInterval(), 10u);
    EXPECT_EQ(store.cliConfig()->messageTxHoldTime(), 120u);
    EXPECT_TRUE(store.cliConfig()->cliPortConfigHas(Wirekit::IntfId("Ethernet4")));
-   store.cliConfig()->ip6MgmtAddrIntfNameIs(Rex::String("\xff\n\"", 3));
+   store.cliConfig()->mgmtAddrVrfIs(L3::VrfName("\xff\n\"", 3));
    const std::string before = differences();
    Host::ConfigFile(file, true).save(config);
 
@@ -101,9 +101,11 @@ TEST_F(HostConfig, AFaultIsNamedWithItsLineAndChangesNothing) {
        {head + "  \"mgmtAddrTxOption\":\n {\n\"mgmtAddrTxMode\": 9} } }",
         "name:6: " + cli + ".mgmtAddrTxOption.mgmtAddrTxMode: expected one of"},
        {head + "  \"surprise\": 1 } }", "name:4: " + cli + ".surprise: no such attribute"},
+       {head + "  \"mgmtAddrTxOption\":\n {\n\"intfNam\": \"x\"} } }",
+        "name:6: " + cli + ".mgmtAddrTxOption.intfNam: no such field"},
        {head + "  \"cliPortConfig\": 1 } }", "name:4: " + cli + ".cliPortConfig: expected an obj"},
-       {head + "  \"cliPortConfig\": {\n\"Ethernet1.1\": {},\n\"no name\": {} } } }",
-        "name:6: " + cli + ".cliPortConfig.no name: expected an interface name"},
+       {head + "  \"cliPortConfig\": {\n\"Ethernet1\": {},\n\"Ethenet1\": {} } } }",
+        "name:6: " + cli + ".cliPortConfig.Ethenet1: expected a port name"},
        {head + "  \"cliPortConfig\": {\n\"Ethernet1\": {\n\"intfId\": \"Ethernet1\"} } } }",
         "name:6: " + cli + ".cliPortConfig.Ethernet1.intfId: is the key"},
        {head + "\"cliPortConfig\": {\"Ethernet1\": {\"networkPolicyConfig\": [\n{},\n{\"appType\": "
@@ -150,6 +152,14 @@ TEST_F(HostConfig, SavingKeepsPermissionsAndLinks) {
    store.cliConfig()->reinitDelayIs(3);
    saved.save(config);
    EXPECT_THAT(read(), HasSubstr("\"reinitDelay\": 3"));
+   Host::ConfigFile dangling(folder.path + "/dangling.json", false);
+   std::filesystem::create_symlink("new.json", dangling.path());
+   dangling.save(config);
+   EXPECT_TRUE(std::filesystem::is_symlink(dangling.path()));
+   EXPECT_TRUE(std::filesystem::exists(folder.path + "/new.json"));
+   std::filesystem::create_symlink("new.json.", folder.path + "/new.json.");
+   EXPECT_THROW(Host::ConfigFile(folder.path + "/new.json.", false).save(config), Host::StartError);
+   EXPECT_TRUE(std::filesystem::is_symlink(folder.path + "/new.json."));
    struct stat status {};
    ASSERT_EQ(lstat(file.c_str(), &status), 0);
    EXPECT_EQ(status.st_mode, static_cast<mode_t>(S_IFREG | 0640));
@@ -171,6 +181,22 @@ TEST_F(HostConfig, TheApiTellsAndSavesIt) {
    EXPECT_EQ(answer.body["file"], file);
    EXPECT_EQ(read(), config.differences().dump(3) + "\n");
 
+   // What no start would read is not written, and what is there already is not written again.
+   struct stat first {
+   }, second{};
+   ASSERT_EQ(stat(file.c_str(), &first), 0);
+   auto row = store.cliConfig()->cliPortConfigIs(Wirekit::IntfId("Ethernet1"));
+   row->networkPolicyConfigIs({.policyName = Rex::String(std::string(1 << 20, 'x'))});
+   answer = resources.serve({"POST", "/v1/config/save", ""});
+   EXPECT_EQ(answer.status, 500);
+   EXPECT_THAT(answer.body.dump(), HasSubstr("no start reads more than 1048576"));
+   store.cliConfig()->cliPortConfigDel(Wirekit::IntfId("Ethernet1"));
+   for (int i = 0; i < 20; ++i) {
+      EXPECT_EQ(resources.serve({"POST", "/v1/config/save", ""}).status, 200);
+   }
+   ASSERT_EQ(stat(file.c_str(), &second), 0);
+   EXPECT_EQ(first.st_ino, second.st_ino);
+
    // Where the new file cannot be made, the old one stands.
    const std::string old = read();
    std::filesystem::create_directories(file + ".new/in/the/way");
@@ -179,6 +205,17 @@ TEST_F(HostConfig, TheApiTellsAndSavesIt) {
    EXPECT_EQ(answer.status, 500);
    EXPECT_THAT(answer.body.dump(), HasSubstr(file + " cannot be written: "));
    EXPECT_EQ(read(), old);
+
+   // Writing has a rate.
+   std::filesystem::remove_all(file + ".new");
+   unsigned status = 200;
+   for (uint32_t i = 1; status == 200 && i <= 20; ++i) {
+      store.cliConfig()->messageTxHoldTimeIs(i);
+      status = resources.serve({"POST", "/v1/config/save", ""}).status;
+   }
+   EXPECT_EQ(status, 429);
+   store.test.timeIs(store.test.now() + 1);
+   EXPECT_EQ(resources.serve({"POST", "/v1/config/save", ""}).status, 200);
 }
 
 }  // namespace

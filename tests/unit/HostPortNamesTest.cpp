@@ -1,5 +1,6 @@
 // The names of ports: who gets which, and that they stay across restarts.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
@@ -55,12 +56,13 @@ class PortNamesTest : public testing::Test {
 
 TEST_F(PortNamesTest, isPortName) {
    for (const char* name : {"Ethernet1", "Ethernet3/1", "Ethernet3/1/4", "Management1",
-                            "Management2/1", "Ethernet999999"}) {
+                            "Management2/1", "Ethernet999999", "Ethernet0", "Ethernet10/100"}) {
       EXPECT_TRUE(PortNames::isPortName(name)) << name;
    }
-   for (const char* name : {"", "Ethernet", "ethernet1", "Ethernet1/", "Ethernet1/2/3/4", "eth0",
-                            "Ethernet-1", "Ethernet1 ", "UnconnectedEthernet1", "Management1/2/3",
-                            "Vlan1", "Port-Channel1", "Ethernet99999999999999999999"}) {
+   for (const char* name :
+        {"", "Ethernet", "ethernet1", "Ethernet1/", "Ethernet1/2/3/4", "eth0", "Ethernet-1",
+         "Ethernet1 ", "UnconnectedEthernet1", "Management1/2/3", "Vlan1", "Port-Channel1",
+         "Ethernet99999999999999999999", "Ethernet01", "Ethernet3/01", "Ethernet00"}) {
       EXPECT_FALSE(PortNames::isPortName(name)) << name;
    }
 }
@@ -119,7 +121,8 @@ TEST_F(PortNamesTest, nothingNewWritesNothing) {
 TEST_F(PortNamesTest, aBrokenFileIsRefusedAndKept) {
    for (const char* broken :
         {"", "{", "[]", "7", R"({"name:a": 1})", R"({"name:a": "eth0"})", R"({"name:a": ""})",
-         R"({"name:a": "Ethernet1", "name:b": "Ethernet1"})", "\xFF\xFE"}) {
+         R"({"name:a": "Ethernet1", "name:b": "Ethernet1"})", "\xFF\xFE",
+         R"({"name:a": "Ethernet1", "name:a": "Ethernet2"})"}) {
       contentIs(broken);
       try {
          run(devices({"a"}));
@@ -133,6 +136,9 @@ TEST_F(PortNamesTest, aBrokenFileIsRefusedAndKept) {
    std::filesystem::remove(file);
    std::filesystem::create_directory(file);
    EXPECT_THROW(run(devices({"a"})), StartError);
+   std::filesystem::remove(file);
+   ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+   EXPECT_THROW(run(devices({"a"})), StartError) << "nobody writes to it";
 }
 
 TEST_F(PortNamesTest, aFolderThatIsGoneIsToldAndNothingForgotten) {

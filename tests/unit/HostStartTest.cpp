@@ -34,6 +34,8 @@ TEST(HostOptions, WhatTheyMean) {
    EXPECT_EQ(some->ports.at("mgmt"), Wirekit::IntfId("Management1"));
    EXPECT_EQ(some->cell, 2);
    EXPECT_FALSE(some->feeds("bridging"));
+   EXPECT_FALSE(none->config);
+   EXPECT_EQ(parse({"--config", ""})->config, "") << "a file that is not there, and so refused";
    ASSERT_EQ(some->trace.size(), 2u);
    EXPECT_EQ(some->trace[0].mask, 0b1010001);
    EXPECT_EQ(some->trace[1].mask, 0x3ff);

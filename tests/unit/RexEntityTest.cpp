@@ -79,7 +79,10 @@ TEST(RexEntity, DecodeChecksAllBeforeItWrites) {
        {R"({"total":-1})", "total: expected a whole number from 0 to 4294967295, got -1"},
        {R"({"point":[{"key":256}]})",
         "point[0].key: expected a whole number from 0 to 255, got 256"},
-       {R"({"point":[{"kee":2}]})", "point[0]: unknown field \"kee\""},
+       {R"({"point":[{"kee":2}]})", "point[0].kee: no such field"},
+       {R"({"point":[{"key":7},{"key":7}]})", "point[1]: there is one before it with the key 7"},
+       {R"({"rank":[{"key":"a","value":1},{"key":"a","value":2}]})",
+        "rank[1]: there is one before it with the key a"},
        {R"({"leaf":{}})", "leaf: cannot be written as a whole"},
        {R"([])", "expected an object of attributes"},
    };

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "cli/Client.h"
+#include "cli/NeighborItem.h"
 
 namespace LldpCli {
 
@@ -15,8 +15,6 @@ std::string identifierWords(const Json& identifier);
 
 // {"supported": ["Bridge", "Router"], "enabled": ["Bridge"]}, from two bit maps.
 Json capabilities(const Json& supported, const Json& enabled);
-// Bridge, Router; none for an empty list.
-std::string listWords(const Json& names);
 
 // {"family": "ipv4", "familyNumber": 1, "address": "10.0.0.1", "interfaceNumbering": "ifIndex",
 // "interfaceNumber": 3, "oid": "1.3.6"}; no "oid" when the neighbour gave none.
@@ -24,12 +22,6 @@ Json managementAddress(const Json& from);
 // 10.0.0.1 (IPv4), interface index 3, OID 1.3.6
 std::string managementAddressWords(const Json& address);
 
-// {"type": 10, "value": "0a0b"}
-Json unknownTlv(const Json& from);
-std::string unknownTlvWords(const Json& tlv);
-// {"oui": "00-80-c2", "subtype": 1, "index": 1, "value": "0001", "name": "Port VLAN ID"}; the
-// index tells those of one organisation and subtype apart, the name is left out when not known.
-Json unknownOrganizationTlv(const Json& from);
-std::string unknownOrganizationTlvWords(const Json& tlv);
+NeighborItems basicItems();
 
 }  // namespace LldpCli

@@ -1,5 +1,5 @@
-// A text of JSON that people write: comments are allowed, no field may stand twice in an object,
-// and whoever finds fault with a field can tell its line.
+// A text of JSON from outside, a file or a request: no deeper than Rex::mostJsonLevels, no field
+// may stand twice in an object, and whoever finds fault with a field can tell its line.
 #pragma once
 
 #include <cstddef>
@@ -12,18 +12,18 @@
 namespace Host {
 
 // What is wrong, and in which line.
-class ConfigTextError : public std::runtime_error {
+class JsonTextError : public std::runtime_error {
  public:
-   ConfigTextError(size_t line, const std::string& words) : std::runtime_error(words), line(line) {}
+   JsonTextError(size_t line, const std::string& words) : std::runtime_error(words), line(line) {}
    const size_t line;  // counted from 1
 };
 
-class ConfigText {
+class JsonText {
  public:
-   static constexpr size_t maxDepth = 16;
+   enum class Comments { refused, allowed };
 
-   // Throws ConfigTextError.
-   explicit ConfigText(std::string text);
+   // Throws JsonTextError.
+   JsonText(std::string text, Comments comments);
 
    const Rex::Json& json() const { return json_; }
    // The line of the field at a path of names, as JsonError has it ("a.b[2].c"); that of the field
@@ -32,6 +32,7 @@ class ConfigText {
 
  private:
    const std::string text_;
+   const Comments comments_;
    const Rex::Json json_;
 };
 

@@ -1,4 +1,4 @@
-#include "cli/Tlvs.h"
+#include "cli/BasicTlvs.h"
 
 #include <fmt/format.h>
 
@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "Rex/Printable.h"
+#include "cli/Names.h"
 #include "cli/Octets.h"
 
 namespace LldpCli {
@@ -40,43 +41,6 @@ constexpr auto numberings = std::to_array<Words>({
 constexpr auto capabilityNames =
     std::to_array<const char*>({"Other", "Repeater", "Bridge", "WLAN AP", "Router", "Telephone",
                                 "DOCSIS", "Station", "C-VLAN", "S-VLAN", "TPMR"});
-constexpr size_t capabilityBits = 16;
-
-struct OrganizationTlv {
-   unsigned oui;
-   unsigned subtype;
-   const char* words;
-};
-
-constexpr unsigned ieee8021 = 0x0080C2;  // IEEE Std 802.1Q, Annex D
-constexpr unsigned ieee8023 = 0x00120F;  // IEEE Std 802.3, 79.3
-constexpr unsigned tia = 0x0012BB;       // ANSI/TIA-1057, clause 10
-
-constexpr auto organizationTlvs = std::to_array<OrganizationTlv>({
-    {ieee8021, 1, "Port VLAN ID"},
-    {ieee8021, 2, "Port and Protocol VLAN ID"},
-    {ieee8021, 3, "VLAN Name"},
-    {ieee8021, 4, "Protocol Identity"},
-    {ieee8021, 5, "VID Usage Digest"},
-    {ieee8021, 6, "Management VID"},
-    {ieee8021, 7, "Link Aggregation"},
-    {ieee8023, 1, "MAC/PHY Configuration/Status"},
-    {ieee8023, 2, "Power via MDI"},
-    {ieee8023, 3, "Link Aggregation"},
-    {ieee8023, 4, "Maximum Frame Size"},
-    {ieee8023, 5, "Energy-Efficient Ethernet"},
-    {tia, 1, "LLDP-MED Capabilities"},
-    {tia, 2, "Network Policy"},
-    {tia, 3, "Location Identification"},
-    {tia, 4, "Extended Power via MDI"},
-    {tia, 5, "Hardware Revision"},
-    {tia, 6, "Firmware Revision"},
-    {tia, 7, "Software Revision"},
-    {tia, 8, "Serial Number"},
-    {tia, 9, "Manufacturer Name"},
-    {tia, 10, "Model Name"},
-    {tia, 11, "Asset ID"},
-});
 
 template <size_t n>
 std::string wordsOf(const std::array<Words, n>& table, const std::string& name) {
@@ -95,16 +59,6 @@ std::string identifierText(const std::string& subtype, const std::string& value)
    return isUsual ? usual : hex(value);
 }
 
-Json capabilityList(unsigned bits) {
-   Json names = Json::array();
-   for (size_t bit = 0; bit < capabilityBits; ++bit) {
-      if (!(bits >> bit & 1)) continue;
-      names.push_back(bit < capabilityNames.size() ? capabilityNames[bit]
-                                                   : fmt::format("Reserved {}", bit));
-   }
-   return names;
-}
-
 std::string familyName(unsigned family) {
    return family == 1 ? "ipv4" : family == 2 ? "ipv6" : family == 6 ? "mac" : "other";
 }
@@ -114,6 +68,17 @@ std::string numberingName(unsigned subtype) {
           : subtype == 2 ? "ifIndex"
           : subtype == 3 ? "systemPort"
                          : fmt::format("reserved {}", subtype);
+}
+
+Json capabilitiesTlv(const Json& tlv) {
+   return tlv.at("tlvReceived").get<bool>() ? capabilities(tlv.at("supported"), tlv.at("enabled"))
+                                            : Json();
+}
+
+void addCapabilities(Fields& lines, const char* label, const Json& view) {
+   for (const char* which : {"supported", "enabled"}) {
+      lines.emplace_back(fmt::format("{} {}", label, which), listWords(view.at(which)));
+   }
 }
 
 }  // namespace
@@ -131,14 +96,8 @@ std::string identifierWords(const Json& identifier) {
 }
 
 Json capabilities(const Json& supported, const Json& enabled) {
-   return {{"supported", capabilityList(supported.get<unsigned>())},
-           {"enabled", capabilityList(enabled.get<unsigned>())}};
-}
-
-std::string listWords(const Json& names) {
-   std::string words;
-   for (const Json& name : names) words += (words.empty() ? "" : ", ") + name.get<std::string>();
-   return words.empty() ? "none" : words;
+   return {{"supported", bitNames(capabilityNames, supported.get<unsigned>())},
+           {"enabled", bitNames(capabilityNames, enabled.get<unsigned>())}};
 }
 
 Json managementAddress(const Json& from) {
@@ -167,34 +126,19 @@ std::string managementAddressWords(const Json& address) {
    return words;
 }
 
-Json unknownTlv(const Json& from) {
-   return {{"type", from.at("type").get<unsigned>()}, {"value", hex(octets(from.at("value")))}};
-}
-
-std::string unknownTlvWords(const Json& tlv) {
-   return fmt::format("type {}: {}", tlv.at("type").get<unsigned>(),
-                      tlv.at("value").get<std::string>());
-}
-
-Json unknownOrganizationTlv(const Json& from) {
-   const Json& key = from.at("key");
-   auto oui = key.at("oui").at("value").get<unsigned>();
-   Json made{
-       {"oui", fmt::format("{:02x}-{:02x}-{:02x}", oui >> 16 & 0xFF, oui >> 8 & 0xFF, oui & 0xFF)},
-       {"subtype", key.at("subtype").get<unsigned>()},
-       {"index", key.at("index").get<unsigned>()},
-       {"value", hex(octets(from.at("orgDefInfo")))}};
-   for (const OrganizationTlv& known : organizationTlvs) {
-      if (known.oui == oui && known.subtype == made.at("subtype")) made["name"] = known.words;
-   }
-   return made;
-}
-
-std::string unknownOrganizationTlvWords(const Json& tlv) {
-   std::string name = tlv.value("name", std::string());
-   return fmt::format("{} subtype {}{}: {}", tlv.at("oui").get<std::string>(),
-                      tlv.at("subtype").get<unsigned>(), name.empty() ? "" : " (" + name + ")",
-                      tlv.at("value").get<std::string>());
+NeighborItems basicItems() {
+   static constexpr auto items = std::to_array<NeighborItem>({
+       {"portDesc", nullptr, "portDescription", "Port description", tlvTextView,
+        addLine<textWords>},
+       {"sysName", nullptr, "systemName", "System name", tlvTextView, addLine<textWords>},
+       {"sysDesc", nullptr, "systemDescription", "System description", tlvTextView,
+        addLine<textWords>},
+       {"systemCapabilities", nullptr, "capabilities", "Capabilities", capabilitiesTlv,
+        addCapabilities},
+       {"managementAddress", nullptr, "managementAddresses", "Management address",
+        listView<managementAddress>, addLineEach<managementAddressWords>},
+   });
+   return items;
 }
 
 }  // namespace LldpCli

@@ -1,4 +1,4 @@
-#include "host/ConfigText.h"
+#include "host/JsonText.h"
 
 #include <algorithm>
 #include <iterator>
@@ -58,7 +58,7 @@ class Reader {
  public:
    explicit Reader(std::string_view wanted) : wanted_(wanted) {}
 
-   Rex::Json parse(std::string_view text);
+   Rex::Json parse(std::string_view text, JsonText::Comments comments);
    size_t foundLine() const { return foundLine_; }
 
  private:
@@ -86,21 +86,22 @@ class Reader {
    size_t foundLine_ = 1;
 };
 
-Rex::Json Reader::parse(std::string_view text) {
+Rex::Json Reader::parse(std::string_view text, JsonText::Comments comments) {
    auto follow = [this](int, Event event, Rex::Json& parsed) {
       handle(event, parsed);
       return true;
    };
    try {
       return Rex::Json::parse(CountingIterator(text.begin(), line_),
-                              CountingIterator(text.end(), line_), follow, true, true);
+                              CountingIterator(text.end(), line_), follow, true,
+                              comments == JsonText::Comments::allowed);
    } catch (const Rex::Json::parse_error& error) {
       // It stops behind what it does not understand.
       size_t before = std::min(error.byte ? error.byte - 1 : 0, text.size());
-      throw ConfigTextError(1 + std::count(text.begin(), text.begin() + before, '\n'),
-                            wordsOf(error));
+      throw JsonTextError(1 + std::count(text.begin(), text.begin() + before, '\n'),
+                          wordsOf(error));
    } catch (const Rex::Json::exception& error) {
-      throw ConfigTextError(line_, wordsOf(error));
+      throw JsonTextError(line_, wordsOf(error));
    }
 }
 
@@ -123,9 +124,9 @@ void Reader::handle(Event event, const Rex::Json& parsed) {
 }
 
 void Reader::open(bool array) {
-   if (levels_.size() == ConfigText::maxDepth) {
-      throw ConfigTextError(
-          line_, "nested more than " + std::to_string(ConfigText::maxDepth) + " levels deep");
+   if (levels_.size() == Rex::mostJsonLevels) {
+      throw JsonTextError(
+          line_, "nested more than " + std::to_string(Rex::mostJsonLevels) + " levels deep");
    }
    std::string path = place();
    note(path);
@@ -134,11 +135,11 @@ void Reader::open(bool array) {
 
 void Reader::name(const std::string& name) {
    Level& around = levels_.back();
-   field_ = around.path.empty() ? name : around.path + "." + name;
+   field_ = Rex::fieldPath(around.path, name);
    auto [first, fresh] = around.names.emplace(name, line_);
    if (!fresh) {
-      throw ConfigTextError(line_, Rex::printable(field_) + ": stands in line " +
-                                       std::to_string(first->second) + " already");
+      throw JsonTextError(line_, Rex::printable(field_) + ": stands in line " +
+                                     std::to_string(first->second) + " already");
    }
    note(field_);
 }
@@ -148,7 +149,7 @@ std::string Reader::place() {
    if (levels_.empty()) return {};
    Level& around = levels_.back();
    if (!around.array) return field_;
-   return around.path + "[" + std::to_string(around.elements++) + "]";
+   return Rex::elementPath(around.path, around.elements++);
 }
 
 void Reader::note(std::string_view path) {
@@ -159,11 +160,12 @@ void Reader::note(std::string_view path) {
 
 }  // namespace
 
-ConfigText::ConfigText(std::string text) : text_(std::move(text)), json_(Reader({}).parse(text_)) {}
+JsonText::JsonText(std::string text, Comments comments)
+    : text_(std::move(text)), comments_(comments), json_(Reader({}).parse(text_, comments_)) {}
 
-size_t ConfigText::lineOf(std::string_view path) const {
+size_t JsonText::lineOf(std::string_view path) const {
    Reader reader(path);
-   reader.parse(text_);
+   reader.parse(text_, comments_);
    return reader.foundLine();
 }
 

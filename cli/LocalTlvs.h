@@ -1,0 +1,13 @@
+// What a port of this switch says in the TLVs of organisations, as far as it is to send them.
+#pragma once
+
+#include "cli/Client.h"
+#include "cli/Table.h"
+
+namespace LldpCli {
+
+// Under the names that a neighbour's have, and "powerFallbackWatts".
+void putLocalTlvs(Json& view, const Json& localPort, const Json& portConfig);
+void addLocalTlvLines(Fields& lines, const Json& view);
+
+}  // namespace LldpCli
