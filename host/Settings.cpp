@@ -53,8 +53,8 @@ const std::vector<Range>& ranges() {
        {clear, "remTablesClearRequest.requesterName", as<Text<256>>},
        {clear, "remTablesClearRequest.requesterLine", as<Text<256>>},
        {provider, "name", as<Text<64>>},
-       {tlvs, "unknownOrgDefTlv[].key.oui.value", as<Number<0, 0xFFFFFF>>},
-       {tlvs, "unknownOrgDefTlv[].key.subtype", as<Number<0, 255>>},
+       {tlvs, "tlv[].key.oui.value", as<Number<0, 0xFFFFFF>>},
+       {tlvs, "tlv[].key.subtype", as<Number<0, 255>>},
    };
    return all;
 }
