@@ -1,9 +1,13 @@
 #include "cli/LocalTlvs.h"
 
+#include <algorithm>
 #include <array>
 
+#include "Rex/Printable.h"
 #include "cli/Dot3Tlvs.h"
+#include "cli/Names.h"
 #include "cli/Neighbor.h"
+#include "cli/UnknownTlvs.h"
 
 namespace LldpCli {
 namespace {
@@ -32,6 +36,18 @@ bool isSent(const LocalTlv& tlv, const Json& portConfig) {
 }
 
 constexpr const char* fallback = "powerFallbackWatts";
+constexpr const char* external = "externalTlvs";
+
+bool asksFor(const Json& row, const Json& tlv) {
+   const Json wishes = row.value("tlv", Json::array());
+   return std::ranges::find(wishes, tlv) != wishes.end();
+}
+
+std::string externalTlvWords(const Json& tlv) {
+   std::string words = unknownOrganizationTlvWords(tlv);
+   const Json& asking = tlv.at("providers");
+   return asking.empty() ? words : words + ", from " + listWords(asking);
+}
 
 }  // namespace
 
@@ -44,9 +60,30 @@ void putLocalTlvs(Json& view, const Json& localPort, const Json& portConfig) {
    if (power != 0u) view[fallback] = watts(power);
 }
 
+void putExternalTlvs(Json& view, const std::string& port, const Json& localPort,
+                     const Json& providers) {
+   const Json& sent = localPort.at("unknownOrgDefTlv");
+   if (sent.empty()) return;
+   Json list = neighborItem("unknownOrgDefTlv")->view(sent);
+   for (size_t i = 0; i < sent.size(); ++i) {
+      Json asking = Json::array();
+      for (const auto& [name, provider] : providers.items()) {
+         const Json rows = provider.value("externalTlvPortConfig", Json::object());
+         if (rows.contains(port) && asksFor(rows.at(port), sent[i])) {
+            asking.push_back(Rex::printable(name));
+         }
+      }
+      list[i]["providers"] = asking;
+   }
+   view[external] = list;
+}
+
 void addLocalTlvLines(Fields& lines, const Json& view) {
    for (const LocalTlv& tlv : localTlvs)
       addItemLines(lines, {neighborItem(tlv.ofNeighbor), 1}, view);
+   for (const Json& tlv : view.value(external, Json::array())) {
+      lines.emplace_back("External TLV", externalTlvWords(tlv));
+   }
    if (view.contains(fallback)) {
       lines.emplace_back("Power without a report", wattsWords(view.at(fallback)));
    }

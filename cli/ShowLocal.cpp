@@ -39,7 +39,8 @@ Json managementAddresses(const Json& system) {
    return list;
 }
 
-Json portView(const std::string& port, const Json& localPort, const Json& portConfigs) {
+Json portView(const std::string& port, const Json& localPort, const Json& portConfigs,
+              const Json& providers) {
    Json view{{"port", Rex::printable(port)}};
    putIdentifier(view, "portId", localPort.at("portIdentifier"));
    putText(view, "portDescription", localPort.at("portDesc"));
@@ -47,10 +48,11 @@ Json portView(const std::string& port, const Json& localPort, const Json& portCo
       view["adminStatus"] = adminStatus(portConfigs.at(port));
       putLocalTlvs(view, localPort, portConfigs.at(port));
    }
+   putExternalTlvs(view, port, localPort, providers);
    return view;
 }
 
-Json localView(const Json& system, const Json& config, const Ports& ports) {
+Json localView(const Json& system, const Json& config, const Json& providers, const Ports& ports) {
    Json view = Json::object();
    putIdentifier(view, "chassis", system.at("chassisIdentifier"));
    putText(view, "systemName", system.at("sysName"));
@@ -63,7 +65,7 @@ Json localView(const Json& system, const Json& config, const Ports& ports) {
                      {"transmitDelay", config.at("txDelay")}};
    view["ports"] = Json::array();
    for (const auto& [port, localPort] : ports) {
-      view["ports"].push_back(portView(port, localPort, config.at("portConfig")));
+      view["ports"].push_back(portView(port, localPort, config.at("portConfig"), providers));
    }
    return view;
 }
@@ -113,6 +115,7 @@ void run(const Options& options, Session& session) {
    Agent agent(session);
    Json system = agent.entity("l2discovery/lldp/localSystem", 1);
    Json view = localView(system, agent.entity("l2discovery/lldp/config", 1),
+                         agent.entity("l2discovery/lldp/externalTlvs", 3).at("entityPtr"),
                          Agent::portsIn(system.at("localPort"), options.port));
    if (options.json) {
       session.out << Json{{"local", view}}.dump(2) << "\n";

@@ -50,14 +50,14 @@ Json unknownOrganizationTlv(const Json& from) {
    return made;
 }
 
+}  // namespace
+
 std::string unknownOrganizationTlvWords(const Json& tlv) {
    std::string name = tlv.value("name", std::string());
    return fmt::format("{} subtype {}{}: {}", tlv.at("oui").get<std::string>(),
                       tlv.at("subtype").get<unsigned>(), name.empty() ? "" : " (" + name + ")",
                       tlv.at("value").get<std::string>());
 }
-
-}  // namespace
 
 NeighborItems unknownItems() {
    static constexpr auto items = std::to_array<NeighborItem>({

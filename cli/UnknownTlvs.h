@@ -9,5 +9,6 @@ namespace LldpCli {
 // "subtype": 9, "index": 1, "value": "0001", "name": "ETS Configuration"}]; the index tells those
 // of one organisation and subtype apart, the name is left out when not known.
 NeighborItems unknownItems();
+std::string unknownOrganizationTlvWords(const Json& tlv);
 
 }  // namespace LldpCli

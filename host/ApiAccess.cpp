@@ -22,6 +22,10 @@ std::string_view ApiAccess::entryType(std::string_view root) {
    return {};
 }
 
+bool ApiAccess::isReplacedAsWhole(const Rex::EntityType& type) {
+   return &type == &Lldp::ExternalTlvPortConfig::staticType();
+}
+
 void ApiAccess::stamp(const Rex::EntityType& type, Rex::Json& attributes) {
    if (&type != &Lldp::RemTablesCliConfig::staticType() || !attributes.is_object()) return;
    auto request = attributes.find("remTablesClearRequest");

@@ -23,6 +23,10 @@ class ApiAccess {
    // The type that entries of the directory at `root` have; empty where that is not known.
    static std::string_view entryType(std::string_view root);
 
+   // Whether a write to a row makes a new one in its place. Those who read rows of the type watch
+   // the keys of their collection and not what stands inside.
+   static bool isReplacedAsWhole(const Rex::EntityType& type);
+
    // Stamps an operator's request with its time, where that was left out. Throws Rex::JsonError for
    // a time that is still to come: no request after it would count until then.
    static void stamp(const Rex::EntityType& type, Rex::Json& attributes);

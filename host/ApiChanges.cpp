@@ -35,6 +35,13 @@ bool hasKey(const Rex::Member& member, const Rex::Entity& entity, const std::str
    return std::find(keys.begin(), keys.end(), key) != keys.end();
 }
 
+void copyAttributes(const Rex::Entity& from, Rex::Entity& to) {
+   for (const auto& member : from.entityType().members()) {
+      if (member->kind == Rex::MemberKind::key) continue;
+      member->decode(member->toJson(from), member->name)(to);
+   }
+}
+
 bool beginsWith(const Steps& steps, const Steps& first) {
    return steps.size() >= first.size() && std::equal(first.begin(), first.end(), steps.begin());
 }
@@ -61,8 +68,25 @@ unsigned ApiChanges::patch(const Change& change) {
    RowPtr row = find(change.steps);
    if (!row) nothingAt(change.steps);
    requireWritable(row->root);
-   writes_.push_back([row, write = checked(*row->type, change.body)] { write(*row->entity); });
+   writeRow(row, change.steps, checked(*row->type, change.body));
    return 204;
+}
+
+void ApiChanges::writeRow(const RowPtr& row, const Steps& steps, const Rex::Member::Write& write) {
+   if (!ApiAccess::isReplacedAsWhole(*row->type)) {
+      writes_.push_back([row, write] { write(*row->entity); });
+      return;
+   }
+   rows_[steps] = row;  // later changes of these find the new one
+   writes_.push_back([row, at = place(steps), write] {
+      Rex::Dispatcher::run([&] {
+         auto before = row->entity;
+         at.member->removeKey(*at.holder->entity, at.key);
+         row->entity = at.member->makeChild(*at.holder->entity, at.key);
+         copyAttributes(*before, *row->entity);
+         write(*row->entity);
+      });
+   });
 }
 
 unsigned ApiChanges::put(const Change& change) {
@@ -170,7 +194,9 @@ void ApiChanges::removeMember(const Change& change) {
       counted = rowCounts_.erase(counted);
    }
    rows_[change.steps] = nullptr;
-   writes_.push_back([from] { from.member->removeKey(*from.holder->entity, from.key); });
+   bool entry = from.holder->type == &Rex::Dir::staticType();
+   writeRow(from.holder, above(change.steps, entry ? 1 : 2),
+            [from](Rex::Entity& holder) { from.member->removeKey(holder, from.key); });
 }
 
 // How many rows the collection around a row has, those counted that earlier changes make.

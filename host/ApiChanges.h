@@ -52,6 +52,8 @@ class ApiChanges {
    unsigned patch(const Change& change);
    unsigned put(const Change& change);
    unsigned remove(const Change& change);
+   void writeRow(const RowPtr& row, const Statestore::Steps& steps,
+                 const Rex::Member::Write& write);
    void make(const Change& change, const Place& place);
    void makeEntry(const Change& change, const Place& place);
    void removeMember(const Change& change);

@@ -6,6 +6,7 @@
 #include "Rex/Dir.h"
 #include "host/PortNames.h"
 #include "model/CliConfig.h"
+#include "model/IntfRank.h"
 
 namespace Host {
 namespace {
@@ -44,7 +45,7 @@ const std::vector<Range>& ranges() {
        {config, "messageTxHoldTime", as<Number<1, 65535>>},
        {config, "reinitDelay", as<Number<1, 10>>},
        {config, "ip6MgmtAddrIntfName", as<Wirekit::IntfId>},
-       {config, "mgmtAddrTxOption.intfName", as<Wirekit::IntfId>},
+       {config, "mgmtAddrTxOption.intfName", asRankedIntf},
        {port, "poeAllocatedPowerFallback", as<Number<0, 999>>},
        {port, "networkPolicyConfig[].policyName", as<Text<64>>},
        {port, "networkPolicyConfig[].vlanId", as<Number<0, 4094>>},
@@ -53,8 +54,8 @@ const std::vector<Range>& ranges() {
        {clear, "remTablesClearRequest.requesterName", as<Text<256>>},
        {clear, "remTablesClearRequest.requesterLine", as<Text<256>>},
        {provider, "name", as<Text<64>>},
-       {tlvs, "unknownOrgDefTlv[].key.oui.value", as<Number<0, 0xFFFFFF>>},
-       {tlvs, "unknownOrgDefTlv[].key.subtype", as<Number<0, 255>>},
+       {tlvs, "tlv[].key.oui.value", as<Number<0, 0xFFFFFF>>},
+       {tlvs, "tlv[].key.subtype", as<Number<0, 255>>},
    };
    return all;
 }
@@ -87,6 +88,15 @@ struct Rows {
    const char* keyForm;
    size_t most;
 };
+
+// One whose numbers give it a rank among the interfaces, or whose kind has none.
+void asRankedIntf(const Rex::Json& json, const std::string& path) {
+   Wirekit::IntfId intfId;
+   Rex::fromJson(json, intfId, path);
+   if (Lldp::intfRank(intfId).fault) {
+      Rex::expected(json, path, "an interface such as Loopback0 to 2100, Vlan1 to 4094 or Ethernet1");
+   }
+}
 
 constexpr const char* portForm = "a port name such as Ethernet1, Ethernet3/1 or Management1";
 

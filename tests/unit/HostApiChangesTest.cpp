@@ -100,6 +100,31 @@ TEST_F(HostApiChanges, MayRelyOnRowsThatEarlierOnesMake) {
    EXPECT_EQ(change({}).status, 204);
 }
 
+// Whoever reads a provider's rows watches their keys alone.
+TEST_F(HostApiChanges, AProvidersRowIsReplacedByAWrite) {
+   const std::string row = tlvs + "/provider/externalTlvPortConfig/Ethernet1";
+   auto tlv = [](int index, const char* info) {
+      return fmt::format(R"({{"key":{{"index":{}}},"orgDefInfo":"{}"}})", index, info);
+   };
+   EXPECT_EQ(change({"PUT " + tlvs + "/provider", "PUT " + row}).status, 204);
+   auto provider = Rex::dynamicPtr<Lldp::ExternalTlvConfig>(store.manager->getEntity(tlvs + "/provider"));
+   auto standing = [&] { return provider->externalTlvPortConfig(Wirekit::IntfId("Ethernet1")); };
+   auto before = standing();
+   // Two writes of one request to one row, the second on top of the first.
+   EXPECT_EQ(change({"PATCH " + row + " {\"tlv\":[" + tlv(1, "a") + "," + tlv(2, "b") + "]}",
+                     "DELETE " + row + "/tlv/" + R"({"oui":{"value":0},"subtype":0,"index":1})"})
+                 .status,
+             204);
+   EXPECT_NE(standing(), before);
+   EXPECT_EQ(before->tlvs(), 0u);
+   ASSERT_EQ(standing()->tlvs(), 1u);
+   EXPECT_EQ(standing()->tlv({{}, 0, 2}).orgDefInfo.value(), "b");
+   before = standing();
+   EXPECT_EQ(change({"PATCH " + row + " {}"}).status, 204);
+   EXPECT_NE(standing(), before);
+   EXPECT_EQ(standing()->tlvs(), 1u);
+}
+
 // Rows that a request makes count as those that stand, and those that it removes do not.
 TEST_F(HostApiChanges, RowsHaveABound) {
    constexpr int most = 4096;

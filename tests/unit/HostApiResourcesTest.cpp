@@ -189,10 +189,10 @@ TEST_F(HostApiResources, RangesHoldAtTheirEnds) {
        {clear, R"({"remTablesClearRequest":{"requesterLine":#}})", {text(256)}, {text(257)}},
        {provider, R"({"name":#})", {text(64)}, {text(65)}},
        {tlvs,
-        R"({"unknownOrgDefTlv":[{"key":{"oui":{"value":#}}}]})",
+        R"({"tlv":[{"key":{"oui":{"value":#}}}]})",
         {"16777215"},
         {"16777216", "4294967295"}},
-       {tlvs, R"({"unknownOrgDefTlv":[{"key":{"subtype":#}}]})", {"255"}, {"256"}},
+       {tlvs, R"({"tlv":[{"key":{"subtype":#}}]})", {"255"}, {"256"}},
    };
    for (const Case& one : cases) {
       auto put = [&](const std::string& value) {
