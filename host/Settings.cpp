@@ -25,6 +25,16 @@ void as(const Rex::Json& json, const std::string& path) {
    Rex::fromJson(json, value, path);
 }
 
+// One whose numbers give it a rank among the interfaces, or whose kind has none.
+void asRankedIntf(const Rex::Json& json, const std::string& path) {
+   Wirekit::IntfId intfId;
+   Rex::fromJson(json, intfId, path);
+   if (Lldp::intfRank(intfId).fault) {
+      Rex::expected(json, path,
+                    "an interface such as Loopback0 to 2100, Vlan1 to 4094 or Ethernet1");
+   }
+}
+
 struct Range {
    const Rex::EntityType& type;
    std::string_view place;  // in an entity of the type; "[]" stands behind what is a list
@@ -88,15 +98,6 @@ struct Rows {
    const char* keyForm;
    size_t most;
 };
-
-// One whose numbers give it a rank among the interfaces, or whose kind has none.
-void asRankedIntf(const Rex::Json& json, const std::string& path) {
-   Wirekit::IntfId intfId;
-   Rex::fromJson(json, intfId, path);
-   if (Lldp::intfRank(intfId).fault) {
-      Rex::expected(json, path, "an interface such as Loopback0 to 2100, Vlan1 to 4094 or Ethernet1");
-   }
-}
 
 constexpr const char* portForm = "a port name such as Ethernet1, Ethernet3/1 or Management1";
 

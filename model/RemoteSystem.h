@@ -69,6 +69,10 @@ struct RemoteSystem : Rex::Entity {
    REX_ATTRIBUTE(Wirekit::EthAddr, ethAddr)  // source of the latest frame
    REX_ENTITY_END()
 
+   // The octets of the LLDPDU that was read into this last: the same again would change nothing.
+   // For the codec, which alone writes what it read; no attribute, and no one else's.
+   Rex::String lastLldpdu;
+
    RemoteSystem(int index, const Msap& msap) : index_(index), msap_(msap) {}
    const ChassisIdentifier& chassisId() const { return msap_.chassisIdentifier; }
 };

@@ -118,23 +118,35 @@ RemoteSystem::Ptr newNeighbour(const Msap& msap, const PortConfig& portConfig, S
    return remoteSystem;
 }
 
+constexpr size_t cacheLine = 64;
+
 // The compiler drops a function that does nothing but fetch, unless it has an effect.
-void fetch(const void* at) {
-   __builtin_prefetch(at, 1);
+void fetch(const void* begin, const void* end) {
+   for (const char* at = static_cast<const char*>(begin); at < end; at += cacheLine) {
+      __builtin_prefetch(at, 1);
+   }
    asm volatile("");
 }
 
-// With many neighbours, the one that sent the frame is in no cache: it comes while the optional
-// TLVs are read.
+// With many neighbours, the one that sent the frame is in no cache: what a refresh needs of it
+// comes while the optional TLVs are read.
 void prefetchNeighbour(const PortStatus& portStatus, const Msap& msap) {
-   constexpr size_t cacheLine = 64;
    portStatus.remoteSystemByMsap().prefetch(
        msap, [](const Msap& known, const RemoteSystem::Ptr& remoteSystem) {
-          fetch(known.chassisIdentifier.value.charPtr());
-          fetch(known.portIdentifier.value.charPtr());
-          const char* object = reinterpret_cast<const char*>(remoteSystem.get());
-          for (size_t at = 0; at < sizeof(RemoteSystem); at += cacheLine) fetch(object + at);
+          const char* chassis = known.chassisIdentifier.value.charPtr();
+          const char* port = known.portIdentifier.value.charPtr();
+          fetch(chassis, chassis + 1);
+          fetch(port, port + 1);
+          fetch(remoteSystem.get(), static_cast<const Rex::Entity*>(remoteSystem.get()) + 1);
+          fetch(&remoteSystem->creationTime(), remoteSystem.get() + 1);
        });
+}
+
+// Whether the neighbour's last frame said the same, octet by octet.
+bool isRepeated(const RemoteSystem& remoteSystem, std::string_view lldpdu) {
+   const char* last = remoteSystem.lastLldpdu.charPtr();
+   fetch(last, last + lldpdu.size());
+   return remoteSystem.lastLldpdu.view() == lldpdu;
 }
 
 }  // namespace
@@ -181,9 +193,13 @@ RemoteSystem::PtrConst processRxLldpdu(char* begin, char* end, PortConfig::PtrCo
       changed = true;
    }
 
-   // A new time to live alone is no change.
-   remoteSystem->ttlIs(ttl);
-   if (copyChanges(*scratch, *remoteSystem)) changed = true;
+   std::string_view lldpdu(begin, static_cast<size_t>(end - begin));
+   if (!isRepeated(*remoteSystem, lldpdu)) {
+      // A new time to live alone is no change.
+      remoteSystem->ttlIs(ttl);
+      if (copyChanges(*scratch, *remoteSystem)) changed = true;
+      remoteSystem->lastLldpdu = Rex::String(lldpdu);
+   }
    remoteSystem->ethAddrIs(srcAddr);
    remoteSystem->lastRefreshTimeIs(now);
    remoteSystem->expiryTimeIs(now + ttl);

@@ -77,6 +77,7 @@ class CliShow : public testing::Test {
          agent.serve("l2discovery/lldp/status/local/1", *status);
          agent.serve("l2discovery/lldp/config", *config);
          agent.serve("l2discovery/lldp/localSystem", *local);
+         agent.serve("l2discovery/lldp/externalTlvs", *externalTlvs);
          agent.serve("interface/status/eth/phy/all", *phys);
          agent.serve("interface/status/all", *intfs);
          agent.start();
@@ -101,6 +102,7 @@ class CliShow : public testing::Test {
    Rex::Ptr<Lldp::Status> status = Rex::make<Lldp::Status>();
    Rex::Ptr<Lldp::Config> config = Rex::make<Lldp::Config>();
    Rex::Ptr<Lldp::LocalSystem> local = Rex::make<Lldp::LocalSystem>();
+   Rex::Ptr<Rex::Dir> externalTlvs = Rex::make<Rex::Dir>();
    Rex::Ptr<Interface::AllEthPhyIntfStatusDir> phys =
        Rex::make<Interface::AllEthPhyIntfStatusDir>();
    Rex::Ptr<Interface::AllIntfStatusDir> intfs = Rex::make<Interface::AllIntfStatusDir>();
@@ -238,6 +240,21 @@ TEST_F(CliShow, Local) {
    EXPECT_THAT(
        words,
        HasSubstr("Ethernet1     Ethernet1 (interface name)     -            receive only\n"));
+}
+
+TEST_F(CliShow, WhoHasAnExternalTlvSent) {
+   const Lldp::UnknownOrgDefTlv tlv{{{0x0A1B2C}, 1, 1}, Lldp::BoundedString507("hi", 2)};
+   for (const char* name : {"mine", "lost"}) {
+      auto provider = Rex::make<Lldp::ExternalTlvConfig>();
+      auto row = provider->externalTlvPortConfigIs(ethernet2);
+      row->tlvIs(name == std::string("mine") ? tlv : Lldp::UnknownOrgDefTlv{tlv.key, {}});
+      externalTlvs->entityPtrIs(name, provider);
+   }
+   local->localPort(ethernet2)->unknownOrgDefTlvIs(tlv);
+   EXPECT_EQ(showJson({"local"}).at("local").at("ports").at(1).at("externalTlvs"), Json::parse(R"([
+      {"oui": "0a-1b-2c", "subtype": 1, "index": 1, "value": "6869", "providers": ["mine"]}])"));
+   EXPECT_THAT(show({"local", "Ethernet2"}),
+               testing::EndsWith("External TLV            0a-1b-2c subtype 1: 6869, from mine\n"));
 }
 
 TEST_F(CliShow, TheTlvsOfAPort) {

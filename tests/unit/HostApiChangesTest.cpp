@@ -103,16 +103,20 @@ TEST_F(HostApiChanges, MayRelyOnRowsThatEarlierOnesMake) {
 // Whoever reads a provider's rows watches their keys alone.
 TEST_F(HostApiChanges, AProvidersRowIsReplacedByAWrite) {
    const std::string row = tlvs + "/provider/externalTlvPortConfig/Ethernet1";
-   auto tlv = [](int index, const char* info) {
-      return fmt::format(R"({{"key":{{"index":{}}},"orgDefInfo":"{}"}})", index, info);
+   auto tlv = [](const std::string& index, const std::string& info) {
+      return R"({"key":{"index":)" + index + R"(},"orgDefInfo":")" + info + R"("})";
    };
    EXPECT_EQ(change({"PUT " + tlvs + "/provider", "PUT " + row}).status, 204);
-   auto provider = Rex::dynamicPtr<Lldp::ExternalTlvConfig>(store.manager->getEntity(tlvs + "/provider"));
+   auto provider =
+       Rex::dynamicPtr<Lldp::ExternalTlvConfig>(store.manager->getEntity(tlvs + "/provider"));
    auto standing = [&] { return provider->externalTlvPortConfig(Wirekit::IntfId("Ethernet1")); };
    auto before = standing();
-   // Two writes of one request to one row, the second on top of the first.
-   EXPECT_EQ(change({"PATCH " + row + " {\"tlv\":[" + tlv(1, "a") + "," + tlv(2, "b") + "]}",
-                     "DELETE " + row + "/tlv/" + R"({"oui":{"value":0},"subtype":0,"index":1})"})
+   EXPECT_EQ(change({"PATCH " + row + " {\"tlv\":[" + tlv("1", "a") + "]}",
+                     "PATCH " + row + " {\"tlv\":[" + tlv("1", "a") + "," + tlv("2", "b") + "]}"})
+                 .status,
+             204);
+   EXPECT_EQ(standing()->tlvs(), 2u);
+   EXPECT_EQ(change({"DELETE " + row + "/tlv/" + R"({"oui":{"value":0},"subtype":0,"index":1})"})
                  .status,
              204);
    EXPECT_NE(standing(), before);

@@ -188,10 +188,7 @@ TEST_F(HostApiResources, RangesHoldAtTheirEnds) {
        {clear, R"({"remTablesClearRequest":{"requesterName":#}})", {text(256)}, {text(257)}},
        {clear, R"({"remTablesClearRequest":{"requesterLine":#}})", {text(256)}, {text(257)}},
        {provider, R"({"name":#})", {text(64)}, {text(65)}},
-       {tlvs,
-        R"({"tlv":[{"key":{"oui":{"value":#}}}]})",
-        {"16777215"},
-        {"16777216", "4294967295"}},
+       {tlvs, R"({"tlv":[{"key":{"oui":{"value":#}}}]})", {"16777215"}, {"16777216", "4294967295"}},
        {tlvs, R"({"tlv":[{"key":{"subtype":#}}]})", {"255"}, {"256"}},
    };
    for (const Case& one : cases) {

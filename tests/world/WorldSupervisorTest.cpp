@@ -90,8 +90,8 @@ TEST(WorldStart, WhatHasNoInterfaceAnyMoreIsSwept) {
    EXPECT_FALSE(a.status()->portStatusHas(gone));
    EXPECT_FALSE(a.config()->portConfigHas(gone));
    EXPECT_FALSE(a.localSystem()->localPortHas(gone));
-   EXPECT_EQ(a.localSystem()->managementAddresss(), 0u);
-   EXPECT_EQ(a.localSystem()->managementAddressPrios(), 0u);
+   EXPECT_FALSE(a.localSystem()->managementAddressHas(key));
+   EXPECT_EQ(a.localSystem()->managementAddressPrios(), 1u) << "the fallback alone";
    EXPECT_EQ(port.local()->unknownOrgDefTlvs(), 0u);
    EXPECT_EQ(port.status()->rxFramesTotal(), 7u);
 }
