@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include "host/StartError.h"
+#include "support/Refusal.h"
 #include "unit/HostApiFixture.h"
 
 using namespace testing;
@@ -192,12 +193,8 @@ TEST_F(HostApiServer, OneProcessHoldsTheSocket) {
    struct stat there;
    ASSERT_EQ(stat(path.c_str(), &there), 0);
    EXPECT_EQ(there.st_mode & 0777, 0660u);
-   try {
-      Host::ApiSocket second(path);
-      FAIL() << "two hold one socket";
-   } catch (const Host::StartError& error) {
-      EXPECT_THAT(error.what(), HasSubstr(path));
-   }
+   auto second = [&] { Host::ApiSocket{path}; };
+   EXPECT_THAT(LldpTest::refusal<Host::StartError>(second), HasSubstr(path));
    socket.reset();
    EXPECT_NE(stat(path.c_str(), &there), 0) << "gone with its process";
 }

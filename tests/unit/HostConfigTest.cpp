@@ -7,6 +7,7 @@
 
 #include "host/ApiConfig.h"
 #include "host/StartError.h"
+#include "support/Refusal.h"
 #include "unit/HostFeedersFolder.h"
 #include "unit/HostStore.h"
 
@@ -45,12 +46,8 @@ struct HostConfig : Test {
    }
    // What is wrong with a file of that text; empty when nothing is.
    std::string fault(const std::string& text) {
-      try {
-         Host::ConfigFile::decode(text, "name", config);
-      } catch (const Host::StartError& error) {
-         return error.what();
-      }
-      return {};
+      return LldpTest::refusal<Host::StartError>(
+          [&] { Host::ConfigFile::decode(text, "name", config); });
    }
 };
 

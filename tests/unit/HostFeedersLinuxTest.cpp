@@ -1,45 +1,25 @@
 // The feeders on real devices: virtual ones in a network namespace of each test's own.
 #include <gtest/gtest.h>
-#include <net/if.h>
-#include <sched.h>
 #include <sys/epoll.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/timerfd.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <fstream>
-#include <thread>
 
 #include "host/Feeders/Feeders.h"
-#include "host/StartError.h"
+#include "support/Namespace.h"
 #include "support/TestContext.h"
 #include "unit/HostFeedersFolder.h"
 
 namespace Host {
 namespace {
 
+using namespace LldpTest;
 using Wirekit::IntfId;
 
 constexpr int guardSeconds = 20;
-
-void ip(const std::string& arguments) {
-   ASSERT_EQ(std::system(("ip " + arguments).c_str()), 0) << arguments;
-}
-void makePair(const std::string& a, const std::string& b) {
-   ip("link add name " + a + " type veth peer name " + b);
-   ip("link set dev " + a + " up");
-   ip("link set dev " + b + " up");
-}
-
-// A thread can leave the process's namespaces alone, and what it opens stays in its own.
-void inNamespace(const std::function<void()>& body) {
-   std::thread([&] {
-      ASSERT_EQ(unshare(CLONE_NEWNET | CLONE_NEWUTS), 0) << "run as root";
-      body();
-   }).join();
-}
 
 struct Bench {
    explicit Bench(std::set<std::string> devices = {},
@@ -90,7 +70,7 @@ struct Bench {
           .stdString();
    }
 
-   LldpTest::TestContext context;
+   TestContext context;
    Rex::Loop loop;
    Rex::Ptr<Statestore::EntityManager> manager = Rex::make<Statestore::EntityManager>();
    TestFolder folder;
@@ -125,10 +105,6 @@ struct NoMoreDescriptors {
    ~NoMoreDescriptors() { setrlimit(RLIMIT_NOFILE, &before); }
    rlimit before{};
 };
-
-int indexOf(const char* device) {
-   return static_cast<int>(if_nametoindex(device));
-}
 
 TEST(FeedersLinux, theStoreIsFullAtTheStart) {
    inNamespace([] {
@@ -344,34 +320,6 @@ TEST(FeedersLinux, lostNewsThatCannotBeReadAnewAtOnce) {
       }
       EXPECT_NE(mtuAfter(0.11), 1333u);
       EXPECT_EQ(mtuAfter(0.1), 1333u);
-   });
-}
-
-TEST(FeedersLinux, aDeviceThatIsNoneIsRefused) {
-   inNamespace([] {
-      for (const char* name : {"nodevice0", "lo"}) {
-         Bench bench({name});
-         try {
-            bench.feeders.start();
-            FAIL() << name;
-         } catch (const std::runtime_error& error) {
-            EXPECT_NE(std::string(error.what()).find(name), std::string::npos) << error.what();
-         }
-      }
-   });
-}
-
-TEST(FeedersLinux, onlyWhatIsAskedForIsFed) {
-   inNamespace([] {
-      makePair("a", "b");
-      Bench nothing({}, {});
-      nothing.feeders.start();
-      EXPECT_TRUE(nothing.manager->paths().empty());
-      EXPECT_TRUE(nothing.feeders.fedPaths().empty());
-      Bench bridging({}, {"bridging"});
-      bridging.feeders.start();
-      EXPECT_FALSE(bridging.get<Bridging::Config>("bridging/config")->bridgeMacAddr().isZero());
-      EXPECT_FALSE(bridging.manager->getEntity("interface/status/all"));
    });
 }
 

@@ -8,6 +8,7 @@
 
 #include "host/PortNames.h"
 #include "host/StartError.h"
+#include "support/Refusal.h"
 #include "unit/HostFeedersFolder.h"
 
 namespace Host {
@@ -55,14 +56,11 @@ class PortNamesTest : public testing::Test {
 };
 
 TEST_F(PortNamesTest, isPortName) {
-   for (const char* name : {"Ethernet1", "Ethernet3/1", "Ethernet3/1/4", "Management1",
-                            "Management2/1", "Ethernet999999", "Ethernet0", "Ethernet10/100"}) {
+   for (const char* name : {"Ethernet1", "Ethernet3/1/4", "Management2/1", "Ethernet0"}) {
       EXPECT_TRUE(PortNames::isPortName(name)) << name;
    }
-   for (const char* name :
-        {"", "Ethernet", "ethernet1", "Ethernet1/", "Ethernet1/2/3/4", "eth0", "Ethernet-1",
-         "Ethernet1 ", "UnconnectedEthernet1", "Management1/2/3", "Vlan1", "Port-Channel1",
-         "Ethernet99999999999999999999", "Ethernet01", "Ethernet3/01", "Ethernet00"}) {
+   for (const char* name : {"", "Ethernet", "eth0", "UnconnectedEthernet1", "Vlan1", "Ethernet01",
+                            "Ethernet99999999999999999999", "Ethernet3/01", "Ethernet00"}) {
       EXPECT_FALSE(PortNames::isPortName(name)) << name;
    }
 }
@@ -124,13 +122,9 @@ TEST_F(PortNamesTest, aBrokenFileIsRefusedAndKept) {
          R"({"name:a": "Ethernet1", "name:b": "Ethernet1"})", "\xFF\xFE",
          R"({"name:a": "Ethernet1", "name:a": "Ethernet2"})"}) {
       contentIs(broken);
-      try {
-         run(devices({"a"}));
-         FAIL() << broken;
-      } catch (const StartError& error) {
-         EXPECT_NE(std::string(error.what()).find(file), std::string::npos) << error.what();
-         EXPECT_EQ(std::string(error.what()).find('\n'), std::string::npos) << error.what();
-      }
+      std::string words = LldpTest::refusal<StartError>([&] { run(devices({"a"})); });
+      EXPECT_NE(words.find(file), std::string::npos) << words;
+      EXPECT_EQ(words.find('\n'), std::string::npos) << words;
       EXPECT_EQ(content(), broken);
    }
    std::filesystem::remove(file);

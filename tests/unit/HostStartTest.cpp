@@ -8,9 +8,11 @@
 #include "host/Options.h"
 #include "host/StartError.h"
 #include "host/TimeAnchor.h"
+#include "support/Refusal.h"
 #include "unit/HostFeedersFolder.h"
 
 using namespace testing;
+using LldpTest::refusal;
 
 namespace {
 
@@ -80,14 +82,9 @@ TEST(HostOptions, AWrongOneIsNamedInOneLine) {
        {{"--socket", "x", "--read-socket", "x", "--read-group", "root"}, {"--read-socket x"}},
    };
    for (const Case& one : cases) {
-      try {
-         parse(one.words);
-         FAIL() << one.words.front();
-      } catch (const Host::StartError& error) {
-         std::string said = error.what();
-         for (const char* word : one.said) EXPECT_THAT(said, HasSubstr(word));
-         EXPECT_THAT(said, Not(HasSubstr("\n")));
-      }
+      std::string said = refusal<Host::StartError>([&] { parse(one.words); });
+      for (const char* word : one.said) EXPECT_THAT(said, HasSubstr(word));
+      EXPECT_THAT(said, Not(HasSubstr("\n")));
    }
 }
 
@@ -124,12 +121,8 @@ TEST(HostFile, AFolderIsMadeOrRefused) {
    std::getline(std::ifstream(folder.path + "/a/b/file"), content);
    EXPECT_EQ(content, "two");
    for (const std::string& bad : {folder.path + "/a/b/file", folder.path + "/a/b/file/below"}) {
-      try {
-         Host::writableFolder(bad, "the folder");
-         FAIL() << bad;
-      } catch (const Host::StartError& error) {
-         EXPECT_THAT(error.what(), StartsWith("the folder " + bad));
-      }
+      auto use = [&] { Host::writableFolder(bad, "the folder"); };
+      EXPECT_THAT(refusal<Host::StartError>(use), StartsWith("the folder " + bad));
    }
 }
 

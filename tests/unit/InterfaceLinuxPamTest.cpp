@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <net/if.h>
 #include <poll.h>
-#include <sched.h>
 #include <sys/epoll.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
@@ -12,26 +11,26 @@
 
 #include <cstdlib>
 #include <string>
-#include <thread>
 
 #include "Interface/LinuxPamMaker.h"
 #include "Rex/Clock.h"
 #include "Rex/Context.h"
 #include "Rex/Loop.h"
 #include "Rex/StateMachine.h"
+#include "support/Namespace.h"
 #include "unit/LldpFilter.h"
 
 namespace Interface {
 namespace {
 
 using LldpFilter::Octets;
+using LldpTest::indexOf;
+using LldpTest::inNamespace;
+using LldpTest::ip;
 using Wirekit::IntfId;
 
 constexpr double guardSeconds = 20;
 
-void ip(const std::string& arguments) {
-   ASSERT_EQ(std::system(("ip " + arguments).c_str()), 0) << arguments;
-}
 bool running(const std::string& device) {
    ifreq request{};
    device.copy(request.ifr_name, IFNAMSIZ - 1);
@@ -41,19 +40,15 @@ bool running(const std::string& device) {
    return known && (request.ifr_flags & IFF_RUNNING);
 }
 // Two devices joined by a wire, ready to carry frames.
-void makePair(const std::string& a, const std::string& b) {
-   ip("link add name " + a + " type veth peer name " + b);
+void makeWire(const std::string& a, const std::string& b) {
+   LldpTest::makePair(a, b);
    for (const std::string& device : {a, b}) {
       // No router solicitations and the like: the wire carries what the test sends.
       std::system(("sysctl -qw net.ipv6.conf." + device + ".disable_ipv6=1 2>/dev/null").c_str());
-      ip("link set dev " + device + " up");
    }
    // The kernel notices the carrier in its own time, and loses frames until then.
    for (int i = 0; i < 5000 && !(running(a) && running(b)); ++i) poll(nullptr, 0, 1);
    ip("link set dev " + a + " mtu 1500");  // goes behind what the kernel has begun
-}
-int indexOf(const char* device) {
-   return static_cast<int>(if_nametoindex(device));
 }
 
 // One agent's devices on a loop of their own.
@@ -113,19 +108,9 @@ void send(Wirekit::Pam& pam, const Octets& frame) {
    pam.txPktIs(Wirekit::globalPktManager().newPkt(frame));
 }
 
-// A thread can leave the process's namespace alone, and what it opens stays in its own.
-void inNamespace(const std::function<void()>& body) {
-   bool made = true;
-   std::thread([&] {
-      made = unshare(CLONE_NEWNET) == 0;
-      if (made) body();
-   }).join();
-   ASSERT_TRUE(made) << "these tests need the right to make a network namespace: run them as root";
-}
-
 TEST(LinuxPam, carriesFramesBetweenDevices) {
    inNamespace([] {
-      makePair("a", "b");
+      makeWire("a", "b");
       Bench bench;
       auto a = bench.make("a").pam;
       auto b = bench.make("b").pam;
@@ -158,7 +143,7 @@ TEST(LinuxPam, carriesFramesBetweenDevices) {
 
 TEST(LinuxPam, aTagIsPutBackInLineUnlessAskedForBeside) {
    inNamespace([] {
-      makePair("a", "b");
+      makeWire("a", "b");
       Bench bench;
       bench.config.separateDot1QHdr = false;
       auto a = bench.make("a").pam;
@@ -175,54 +160,10 @@ TEST(LinuxPam, aTagIsPutBackInLineUnlessAskedForBeside) {
    });
 }
 
-TEST(LinuxPam, aDeviceThatCameBackIsServedAgain) {
-   inNamespace([] {
-      makePair("a", "b");
-      Bench bench;
-      EXPECT_FALSE(bench.make("nothing").pam);
-      for (int round = 0; round < 3; ++round) {
-         auto a = bench.make("a").pam;
-         auto b = bench.make("b").pam;
-         ASSERT_TRUE(a && b) << round;
-         EXPECT_FALSE(bench.make("b").pam);  // one interface for each device
-         auto taker = Rex::make<TakerSm>(b, bench.loop, 1);
-         send(*a, LldpFilter::frame());
-         bench.loop.run(bench.context);
-         EXPECT_EQ(taker->taken, 1u) << round;
-         // Once the device goes first, once the port, once both ports stay open to the end.
-         if (round == 1) b->close();
-         ip("link del dev a");
-         send(*a, LldpFilter::frame());
-         makePair("a", "b");
-      }
-   });
-}
-
-TEST(LinuxPam, aBurstOfTenThousandIsTakenWhole) {
-   inNamespace([] {
-      makePair("a", "b");
-      Bench bench;
-      auto a = bench.make("a").pam;
-      auto b = bench.make("b").pam;
-      auto taker = Rex::make<TakerSm>(b, bench.loop, 10000);
-      size_t inOrder = 0;
-      taker->look = [&](Wirekit::Pkt& pkt) {
-         inOrder += static_cast<uint8_t>(pkt.tail()[-1]) == inOrder % 251;
-      };
-      for (size_t i = 0; i < 10000; ++i) {
-         send(*a, LldpFilter::frame(0x88CC, {}, 1514, static_cast<uint8_t>(i % 251)));
-      }
-      bench.loop.run(bench.context);
-      EXPECT_EQ(taker->taken, 10000u);
-      EXPECT_EQ(inOrder, 10000u);
-      EXPECT_EQ(bench.maker.kernelDrops(), 0u);
-   });
-}
-
 TEST(LinuxPam, aFloodOnOnePortLeavesTheOthersAlive) {
    inNamespace([] {
-      makePair("a", "b");
-      makePair("c", "d");
+      makeWire("a", "b");
+      makeWire("c", "d");
       Bench bench;
       Wirekit::globalPktManager().memoryLimitIs(1000 * 2048);
       auto a = bench.make("a").pam;
@@ -252,29 +193,6 @@ TEST(LinuxPam, aFloodOnOnePortLeavesTheOthersAlive) {
       send(*a, LldpFilter::frame());
       bench.loop.run(bench.context);
       EXPECT_EQ(again->taken, 1u);
-   });
-}
-
-TEST(LinuxPam, theSocketGoesWithTheLastDevice) {
-   inNamespace([] {
-      makePair("a", "b");
-      Bench bench;
-      auto sockets = [] {
-         std::string path = "/proc/thread-self/net/packet";
-         FILE* file = fopen(path.c_str(), "r");
-         int lines = -1;  // the heading
-         for (int c; (c = fgetc(file)) != EOF;) lines += c == '\n';
-         fclose(file);
-         return lines;
-      };
-      auto a = bench.make("a").pam;
-      auto b = bench.make("b").pam;
-      EXPECT_EQ(sockets(), 1);
-      a->close();
-      EXPECT_EQ(sockets(), 1);
-      b->close();
-      EXPECT_EQ(sockets(), 0);
-      EXPECT_TRUE(bench.make("a").pam);
    });
 }
 

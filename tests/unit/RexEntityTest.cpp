@@ -1,8 +1,8 @@
 // The declaration of entities, their collections, and their description.
 #include <gtest/gtest.h>
 
-#include "Rex/Dir.h"
 #include "Rex/Register.h"
+#include "support/Refusal.h"
 
 namespace RexTest {
 
@@ -87,12 +87,8 @@ TEST(RexEntity, DecodeChecksAllBeforeItWrites) {
        {R"([])", "expected an object of attributes"},
    };
    for (const auto& bad : cases) {
-      try {
-         Rex::decodeEntity(tree->entityType(), Rex::Json::parse(bad.json), "");
-         ADD_FAILURE() << bad.json;
-      } catch (const Rex::JsonError& error) {
-         EXPECT_STREQ(error.what(), bad.words);
-      }
+      auto decode = [&] { Rex::decodeEntity(tree->entityType(), Rex::Json::parse(bad.json), ""); };
+      EXPECT_EQ(LldpTest::refusal<Rex::JsonError>(decode), bad.words) << bad.json;
    }
    EXPECT_EQ(tree->total(), 9u);
 }
@@ -109,25 +105,4 @@ TEST(RexEntity, PathsLeadDownByMemberAndKey) {
    EXPECT_EQ(Rex::findBelow(tree, {"leaf"}), nullptr);
    EXPECT_EQ(Rex::findBelow(tree, {"leaf", "x"}), nullptr);
    EXPECT_EQ(Rex::findBelow(tree, {"total", "4"}), nullptr);
-}
-
-TEST(RexEntity, MembersAreMadeOnceAndTextThatIsNoUtf8GoesRound) {
-   auto tree = Rex::make<Tree>();
-   EXPECT_EQ(tree->leafIs(4).get(), tree->leafIs(4).get());
-   EXPECT_EQ(tree->leafs(), 1u);
-   Rex::String broken("\xff\x00z", 3);
-   Rex::String back;
-   Rex::fromJson(Rex::toJson(broken), back, "");
-   EXPECT_EQ(back, broken);
-   EXPECT_EQ(Rex::printable(broken.view()), "\\xff\\x00z");
-   EXPECT_EQ(Rex::valueToString(Point{3, broken}).stdString(), "{key: 3, text: \\xff\\x00z}");
-}
-
-TEST(RexEntity, DirectoryMakesEntriesByTypeName) {
-   auto dir = Rex::make<Rex::Dir>();
-   auto tree = dir->createEntity("1", "RexTest::Tree");
-   EXPECT_EQ(dir->createEntity("1", "RexTest::Tree").get(), tree.get());
-   EXPECT_TRUE(Rex::dynamicPtr<Tree>(tree));
-   dir->deleteEntity("1");
-   EXPECT_FALSE(dir->entityPtrHas("1"));
 }

@@ -1,5 +1,5 @@
 // Value types: hash, printed form, JSON, bounds. What holds for one described type holds for all.
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <limits>
 #include <set>
@@ -8,6 +8,7 @@
 #include "Rex/Json.h"
 #include "Rex/Utf8.h"
 #include "Rex/Value.h"
+#include "support/Refusal.h"
 
 namespace RexValueTest {
 
@@ -78,6 +79,7 @@ std::vector<Outer> outers() {
 }  // namespace RexValueTest
 
 using namespace RexValueTest;
+using LldpTest::refusal;
 
 TEST(RexValue, HashAgreesWithEqualityAndSeesEveryField) {
    std::set<size_t> hashes;
@@ -130,12 +132,8 @@ TEST(RexValue, WrongJsonIsRefusedWithItsPlaceAndChangesNothing) {
    };
    for (const auto& bad : cases) {
       Outer value;
-      try {
-         Rex::fromJson(Rex::Json::parse(bad.json), value, "x");
-         ADD_FAILURE() << bad.json;
-      } catch (const Rex::JsonError& error) {
-         EXPECT_STREQ(error.what(), bad.words);
-      }
+      auto read = [&] { Rex::fromJson(Rex::Json::parse(bad.json), value, "x"); };
+      EXPECT_EQ(refusal<Rex::JsonError>(read), bad.words) << bad.json;
       EXPECT_EQ(value, Outer());
    }
 }
@@ -153,19 +151,11 @@ TEST(RexValue, PrintsByItsDescription) {
 }
 
 TEST(RexValue, BoundsAreTheFieldsOwn) {
-   auto words = [](auto make) -> std::string {
-      try {
-         make();
-      } catch (const std::exception& error) {
-         return error.what();
-      }
-      return "";
-   };
-   EXPECT_EQ(words([] { Short("four"); }), "");
-   EXPECT_EQ(words([] { Short("fives"); }), ShortWords::text);
-   EXPECT_EQ(words([] { Small(2), Small(9); }), "");
-   EXPECT_EQ(words([] { Small(1); }), SmallWords::text);
-   EXPECT_EQ(words([] { Small(10); }), SmallWords::text);
+   EXPECT_EQ(refusal([] { Short("four"); }), "");
+   EXPECT_EQ(refusal([] { Short("fives"); }), ShortWords::text);
+   EXPECT_EQ(refusal([] { Small(2), Small(9); }), "");
+   EXPECT_EQ(refusal([] { Small(1); }), SmallWords::text);
+   EXPECT_EQ(refusal([] { Small(10); }), SmallWords::text);
 }
 
 TEST(RexValue, NothingThatAPeerSendsReachesATerminal) {
@@ -189,6 +179,13 @@ TEST(RexValue, NothingThatAPeerSendsReachesATerminal) {
        {"\xe2\x82", "\\xe2\\x82"},                    // cut off
    };
    for (const auto& one : cases) EXPECT_EQ(Rex::printable(one.octets), one.printed);
+   for (char32_t c : {0xADu, 0x34Fu, 0x61Cu, 0x200Bu, 0x200Eu, 0x200Fu, 0x2028u, 0x202Au, 0x202Du,
+                      0x2060u, 0x2066u, 0x2069u, 0x3164u, 0xFE0Fu, 0xFEFFu}) {
+      std::string octets{static_cast<char>(0xC0 | c >> 6)};
+      if (c >= 0x800) octets = {char(0xE0 | c >> 12), char(0x80 | (c >> 6 & 0x3F))};
+      octets += char(0x80 | (c & 0x3F));
+      EXPECT_TRUE(Rex::printable(octets).starts_with("\\x")) << std::hex << static_cast<int>(c);
+   }
 }
 
 // Two different texts never print alike, and what prints is harmless, whatever the octets.

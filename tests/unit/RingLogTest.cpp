@@ -11,6 +11,8 @@
 
 #include "RingLog/Reader.h"
 #include "RingLog/RingLog.h"
+#include "support/Refusal.h"
+#include "unit/HostFeedersFolder.h"
 #include "unit/RexFixture.h"
 
 using testing::ElementsAre;
@@ -21,18 +23,16 @@ const Rex::TraceHandle trace("RingLogTest", false);
 }
 
 struct RingLogFile : RexFixture {
-   std::filesystem::path folder =
-       std::filesystem::path(testing::TempDir()) / ("ringlog-" + std::to_string(getpid()));
+   Host::TestFolder temporary;
+   const std::filesystem::path folder = temporary.path;
    std::vector<std::string> traced;
    int evaluated = 0;
 
    RingLogFile() {
-      std::filesystem::create_directories(folder);
       context.runDir = folder.string();
       unsetenv("RINGLOGDIR");
       context.traceSink = [this](const Rex::TraceRecord& record) { traced.push_back(record.text); };
    }
-   ~RingLogFile() override { std::filesystem::remove_all(folder); }
 
    void start(const char* name, uint32_t kibibytes = 32, int longest = 512) {
       RingLog::Sizes sizes;
@@ -144,36 +144,13 @@ TEST_F(RingLogFile, OutlivesItsProcessAndIsKeptBesideItsSuccessor) {
    EXPECT_EQ(RingLog::read(path + ".last").size(), 1u);
 }
 
-TEST_F(RingLogFile, TheEnvironmentNamesTheFolder) {
-   std::filesystem::create_directories(folder / "own");
-   setenv("RINGLOGDIR", (folder / "own").c_str(), 1);
-   start("agent.rl");
-   unsetenv("RINGLOGDIR");
-   EXPECT_TRUE(std::filesystem::exists(folder / "own" / "agent.rl"));
-}
-
 TEST_F(RingLogFile, AFolderThatCannotBeWrittenIsOneClearError) {
    context.runDir = (folder / "absent").string();
-   try {
-      start("agent.rl");
-      ADD_FAILURE();
-   } catch (const std::system_error& error) {
-      EXPECT_THAT(error.what(), HasSubstr("ring trace " + context.runDir + "/agent.rl"));
-      EXPECT_THAT(error.what(), HasSubstr("No such file or directory"));
-   }
+   std::string words = LldpTest::refusal<std::system_error>([&] { start("agent.rl"); });
+   EXPECT_THAT(words, HasSubstr("ring trace " + context.runDir + "/agent.rl"));
+   EXPECT_THAT(words, HasSubstr("No such file or directory"));
    RINGLOG(trace, 1, "goes nowhere");
    EXPECT_EQ(RingLog::path(), "");
-}
-
-TEST_F(RingLogFile, EachContextHasARingOfItsOwn) {
-   start("one.rl");
-   Rex::Context second(clock);
-   second.runDir = context.runDir;
-   Rex::ContextScope inside(second);
-   start("two.rl");
-   RINGLOG(trace, 1, "second");
-   EXPECT_TRUE(RingLog::read((folder / "one.rl").string()).empty());
-   EXPECT_EQ(RingLog::read((folder / "two.rl").string()).size(), 1u);
 }
 
 TEST_F(RingLogFile, TheReaderSurvivesAnyDamage) {
