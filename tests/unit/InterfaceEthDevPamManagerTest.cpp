@@ -5,10 +5,8 @@
 
 #include "Interface/EthDevPamManager.h"
 #include "Interface/SegmentPam.h"
-#include "Rex/Clock.h"
-#include "Rex/Context.h"
 #include "Rex/Log.h"
-#include "unit/LldpFilter.h"
+#include "unit/RexFixture.h"
 
 namespace Interface {
 namespace {
@@ -40,7 +38,6 @@ class MoodyMaker : public SegmentPamMaker {
  public:
    Made make(const DeviceIntfStatus& device, const PamConfig& config) override {
       ++asked;
-      last = config;
       if (failures > 0) {
          --failures;
          return {nullptr, "no luck"};
@@ -49,10 +46,9 @@ class MoodyMaker : public SegmentPamMaker {
    }
    int asked = 0;
    int failures = 0;
-   PamConfig last;
 };
 
-class EthDevPamManagerTest : public testing::Test {
+class EthDevPamManagerTest : public RexFixture {
  protected:
    EthDevPamManagerTest() {
       context.serviceIs<PamMaker>(maker);
@@ -69,12 +65,9 @@ class EthDevPamManagerTest : public testing::Test {
       devices->intfStatusIs({intfId, device, ifIndex});
       desired->intfDesiredIs(intfId, true);
    }
-   void turn() { context.clock()->runDue(); }
+   void turn() { pass(); }
    std::string take() { return std::exchange(story, ""); }
 
-   std::shared_ptr<Rex::ManualTime> time = std::make_shared<Rex::ManualTime>();
-   Rex::Context context{Rex::make<Rex::Clock>(time)};
-   Rex::ContextScope scope{context};
    std::shared_ptr<MoodyMaker> maker = std::make_shared<MoodyMaker>();
    std::string story;
    Rex::Ptr<PamDesiredIntfDir> desired = Rex::make<PamDesiredIntfDir>();
@@ -114,7 +107,7 @@ TEST_F(EthDevPamManagerTest, anEntryStandsWhileDesiredAndADeviceAndEnabled) {
    }
 }
 
-TEST_F(EthDevPamManagerTest, whatIsTakenBackBeforeTheTurnNeverHappened) {
+TEST_F(EthDevPamManagerTest, aWishTakenBackBeforeTheTurnNeverHappenedAndASwitchStartsOver) {
    wish(eth1, "e1", 11);
    turn();
    take();
@@ -125,13 +118,6 @@ TEST_F(EthDevPamManagerTest, whatIsTakenBackBeforeTheTurnNeverHappened) {
    turn();
    EXPECT_EQ(take(), "");
    EXPECT_EQ(pams->intfPam(eth1), before);
-}
-
-TEST_F(EthDevPamManagerTest, switchedOffAndOnBeforeTheTurnStartsOver) {
-   wish(eth1, "e1", 11);
-   turn();
-   take();
-   auto before = pams->intfPam(eth1);
    manager->enabledIs(false);
    manager->enabledIs(true);
    turn();
@@ -188,23 +174,6 @@ TEST_F(EthDevPamManagerTest, retriesEndWithTheWishAndStayBounded) {
    desired->intfDesiredDel(eth1);
    turn();
    EXPECT_EQ(context.clock()->nextTime(), Rex::never);
-}
-
-TEST_F(EthDevPamManagerTest, devicesAreOpenedAsSteered) {
-   manager->ethProtocolIs(3);
-   manager->separateDot1QHdrIs(true);
-   manager->listenAddrIs({0x01, 0x80, 0xC2, 0, 0, 0x0E});
-   manager->filterProgramIs(LldpFilter::program());
-   manager->maxRxPktDataIs(10236);
-   manager->sockPrioIs(7);
-   wish(eth1, "e1", 11);
-   turn();
-   EXPECT_EQ(maker->last.ethProtocol, 3);
-   EXPECT_TRUE(maker->last.separateDot1QHdr);
-   EXPECT_EQ(maker->last.listenAddr.stringValue(), "01:80:c2:00:00:0e");
-   EXPECT_EQ(maker->last.filter.size(), 11u);
-   EXPECT_EQ(maker->last.maxRxPktData, 10236u);
-   EXPECT_EQ(maker->last.sockPrio, 7);
 }
 
 TEST_F(EthDevPamManagerTest, closingTheManagerEmptiesTheCollection) {

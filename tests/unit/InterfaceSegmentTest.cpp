@@ -4,10 +4,9 @@
 #include <string>
 
 #include "Interface/SegmentPam.h"
-#include "Rex/Clock.h"
-#include "Rex/Context.h"
 #include "Wirekit/EthHdr.h"
 #include "unit/LldpFilter.h"
+#include "unit/RexFixture.h"
 
 namespace Interface {
 namespace {
@@ -15,7 +14,7 @@ namespace {
 using LldpFilter::Octets;
 using Wirekit::IntfId;
 
-class SegmentTest : public testing::Test {
+class SegmentTest : public RexFixture {
  protected:
    SegmentTest() {
       auto instructions = LldpFilter::program().instructions();
@@ -35,14 +34,7 @@ class SegmentTest : public testing::Test {
       while (auto pkt = pam->rxPkt()) text += pkt->tail()[-1];
       return text;
    }
-   void pass(double seconds = 0) {
-      time->nowIs(time->now() + seconds);
-      context.clock()->runDue();
-   }
 
-   std::shared_ptr<Rex::ManualTime> time = std::make_shared<Rex::ManualTime>();
-   Rex::Context context{Rex::make<Rex::Clock>(time)};
-   Rex::ContextScope scope{context};
    Segment::Ptr wire = Rex::make<Segment>(context.clock());
    SegmentPamMaker maker;
    PamConfig config;
@@ -59,39 +51,6 @@ TEST_F(SegmentTest, aFrameReachesEveryOtherPortAfterTheSend) {
    wire->frameIs(LldpFilter::frame(0x88CC, {}, 60, 'y'));
    pass();
    EXPECT_EQ(marks(a), "y");
-}
-
-TEST_F(SegmentTest, delayLossDuplicationAndReorderingAreToldByHand) {
-   auto a = open("a"), b = open("b"), c = open("c");
-   wire->delay = 2;
-   send(a, '1');
-   pass(1.5);
-   EXPECT_EQ(marks(b), "");
-   pass(0.5);
-   EXPECT_EQ(marks(b) + marks(c), "11");
-
-   wire->fate = [&](const Segment::Frame& frame, const Wirekit::Pam& to) -> std::vector<double> {
-      if (&to == c.get()) return {};
-      return frame.octets.back() == 's' ? std::vector<double>{3} : std::vector<double>{1, 1};
-   };
-   send(a, 's');
-   send(a, 'f');
-   EXPECT_EQ(wire->framesInFlight(), 3u);
-   for (int i = 0; i < 3; ++i) pass(1);
-   EXPECT_EQ(marks(b), "ffs");
-   EXPECT_EQ(marks(c), "");
-}
-
-TEST_F(SegmentTest, theTapSeesEveryFrameAtItsSending) {
-   auto a = open("a");
-   std::string seen;
-   wire->tap = [&](const Segment::Frame& frame) {
-      EXPECT_EQ(frame.time, time->now());
-      seen += static_cast<char>(frame.octets.back());
-   };
-   send(a, 'x');
-   wire->frameIs(LldpFilter::frame(0x0800, {}, 60, 'y'));
-   EXPECT_EQ(seen, "xy");
 }
 
 TEST_F(SegmentTest, whatArrivesPassedTheFilterAndTheDevice) {
@@ -127,23 +86,6 @@ TEST_F(SegmentTest, whatArrivesPassedTheFilterAndTheDevice) {
       const auto* header = reinterpret_cast<const Wirekit::EthHdr*>(pkt->head());
       EXPECT_EQ(header->etherType(), c.vlan >= 0 || c.sent[12] == 0x88 ? 0x88CC : 0x8100) << c.what;
    }
-}
-
-TEST_F(SegmentTest, anUnpluggedPortHearsNothingAndLosesWhatIsOnItsWay) {
-   auto a = open("a"), b = open("b");
-   wire->delay = 1;
-   send(a, '1');
-   maker.plug("b", nullptr);
-   send(b, '2');  // into the void
-   pass(1);
-   EXPECT_EQ(marks(a) + marks(b), "");
-   maker.plug("b", wire);
-   send(a, '3');
-   auto c = open("c");
-   c->close();
-   pass(1);
-   EXPECT_EQ(marks(b), "3");
-   EXPECT_FALSE(maker.make({IntfId("d"), "never plugged", 1}, config).pam);
 }
 
 }  // namespace

@@ -1,13 +1,9 @@
 // Which interfaces exist as devices, and what is read of interfaces by their kind.
 #include <gtest/gtest.h>
 
-#include "Interface/EthLagIntfStatus.h"
-#include "Interface/EthPhyIntfStatus.h"
-#include "Interface/IntfDetailsProvider.h"
 #include "Interface/NetNsIntfStatusManager.h"
 #include "Rex/Clock.h"
 #include "Rex/Context.h"
-#include "Rex/EntityType.h"
 
 namespace Interface {
 namespace {
@@ -62,45 +58,6 @@ TEST_F(NetNsIntfStatusManagerTest, theDevicesOfThisCellAreFollowed) {
    EXPECT_EQ(devices->intfStatuss(), 0u);
    eth1->ifIndexIs(8);
    EXPECT_EQ(devices->intfStatuss(), 0u);
-}
-
-TEST_F(NetNsIntfStatusManagerTest, aNamespaceHasItsOwnDevicesWhereThatIsAskedFor) {
-   auto eth1 = row("Ethernet1", "e1", 5);
-   eth1->netNsIs(Wirekit::NamespaceName("red"));
-   local->intfStatusIs(eth1);
-   auto root = NetNsIntfStatusManagerRootIs(all, local, "root", true);
-   root->intfStatusManagerIs(devices, nullptr);
-   EXPECT_EQ(devices->intfStatuss(), 0u);
-   eth1->netNsIs(Wirekit::NamespaceName::defaultNamespace());
-   EXPECT_EQ(devices->intfStatuss(), 1u);
-}
-
-TEST(IntfDetailsProvider, onlyNumberedInterfacesHaveOne) {
-   auto status = Rex::make<IntfStatus>(IntfId("Port-Channel1"));
-   EXPECT_EQ(Intf::intfDetailsProvider(status), nullptr);
-   EXPECT_EQ(Intf::intfDetailsProvider(nullptr), nullptr);
-   status->ifIndexIs(1000001);
-   EXPECT_EQ(Intf::intfDetailsProvider(status)->ifIndex(status), 1000001);
-}
-
-TEST(InterfaceEntities, areReadAndWrittenByDescription) {
-   auto status = Rex::make<EthPhyIntfStatus>(IntfId("Ethernet1"));
-   Rex::Json wanted = {{"linkStatus", "linkUp"},
-                       {"ethAddr", "02:00:00:00:00:01"},
-                       {"forwardingModel", "intfForwardingBridged"},
-                       {"maxMtu", 9214}};
-   Rex::decodeEntity(status->entityType(), wanted, "")(*status);
-   EXPECT_EQ(status->linkStatus(), 2);
-   EXPECT_EQ(status->forwardingModel(), 3);
-   Rex::Json read = Rex::entityToJson(*status);
-   EXPECT_EQ(read["ethAddr"], "02:00:00:00:00:01");
-   EXPECT_EQ(read["intfId"], "Ethernet1");
-
-   auto lag = Rex::make<EthLagIntfStatus>(IntfId("Port-Channel1"));
-   lag->memberIs(IntfId("Ethernet3/1"));
-   auto member = Rex::findBelow(lag, {"member", "Ethernet3/1"});
-   ASSERT_TRUE(member);
-   EXPECT_EQ(member->entityType().name(), "Interface::EthIntfStatus");
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include "unit/RexFixture.h"
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -73,17 +72,4 @@ TEST_F(RexLog, TraceThatIsOffEvaluatesNothing) {
    context.traceMaskIs("RexLogTest", 0);
    TRACE(trace, 0, operand());
    EXPECT_EQ(evaluated, 2);
-}
-
-TEST_F(RexLog, TraceMasksBelongToTheContext) {
-   Rex::Context second(clock);
-   second.traceSink = context.traceSink;
-   second.traceMaskIs("RexLogTest", 1 << 4);
-   TRACE(trace, 4, "first");
-   {
-      Rex::ContextScope inside(second);
-      TRACE(trace, 4, "second " << Rex::Hex{0xAB} << " " << true << " " << Rex::String("\x1b"));
-   }
-   TRACE(trace, 4, "first again");
-   EXPECT_THAT(traced, ElementsAre("RexLogTest 4 second ab true \\x1b"));
 }

@@ -32,13 +32,6 @@ struct Pipe {
    }
 };
 
-// Time that jumps to the next timer at each look, so that the loop never really waits for it.
-class JumpingTime : public Rex::TimeSource {
- public:
-   double now() const override { return clock ? std::min(clock->nextTime(), 1e9) : 0; }
-   const Rex::Clock* clock = nullptr;
-};
-
 }  // namespace
 
 struct RexLoop : RexFixture {
@@ -128,23 +121,6 @@ TEST_F(RexLoop, ABusyDescriptorDoesNotStarveTimersNorTimersOfNoIntervalADescript
    loop.run(context);
    EXPECT_EQ(reads, 5);
    EXPECT_EQ(ticks, 5);
-}
-
-TEST_F(RexLoop, WaitsForTheNextTimer) {
-   auto jumping = std::make_shared<JumpingTime>();
-   auto ownClock = Rex::make<Rex::Clock>(jumping);
-   jumping->clock = ownClock.get();
-   Rex::Context own(ownClock);
-   Rex::Timer a(ownClock), b(ownClock);
-   a.handlerIs(nullptr, [&] { heard.push_back("a"); });
-   b.handlerIs(nullptr, [&] {
-      heard.push_back("b");
-      loop.stop();
-   });
-   b.timeMinIs(2e6);
-   a.timeMinIs(1e6);
-   loop.run(own);
-   EXPECT_THAT(heard, ElementsAre("a", "b"));
 }
 
 TEST_F(RexLoop, ABadDescriptorIsAnErrorOfTheCaller) {

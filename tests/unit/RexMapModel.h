@@ -2,6 +2,7 @@
 // The unit tests feed it seeded random bytes, the fuzzer its own.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -27,28 +28,28 @@ using Key = uint16_t;
 
 // Members in the order of insertion; a walk is an index.
 class HashModel {
+   struct Entry {
+      Key key;
+      int number;
+      bool live;
+   };
+
  public:
    using Map = Rex::HashMap<Key, Value>;
    struct Walk {
       size_t at = 0;
    };
    void insert(Key key, int number) {
-      for (auto& entry : entries_) {
-         if (entry.live && entry.key == key) {
-            entry.number = number;
-            return;
-         }
+      if (auto* entry = find(key)) {
+         entry->number = number;
+      } else {
+         entries_.push_back({key, number, true});
       }
-      entries_.push_back({key, number, true});
    }
    bool erase(Key key) {
-      for (auto& entry : entries_) {
-         if (entry.live && entry.key == key) {
-            entry.live = false;
-            return true;
-         }
-      }
-      return false;
+      auto* entry = find(key);
+      if (entry) entry->live = false;
+      return entry;
    }
    std::vector<std::pair<Key, int>> content() const {
       std::vector<std::pair<Key, int>> all;
@@ -68,14 +69,14 @@ class HashModel {
    }
 
  private:
+   Entry* find(Key key) {
+      auto at = std::ranges::find_if(
+          entries_, [key](const Entry& entry) { return entry.live && entry.key == key; });
+      return at == entries_.end() ? nullptr : &*at;
+   }
    void skip(Walk& walk) const {
       while (walk.at < entries_.size() && !entries_[walk.at].live) ++walk.at;
    }
-   struct Entry {
-      Key key;
-      int number;
-      bool live;
-   };
    std::vector<Entry> entries_;
 };
 

@@ -23,19 +23,6 @@ TYPED_TEST(RexMap, AgreesWithItsModelOverRandomOperations) {
    }
 }
 
-TYPED_TEST(RexMap, AWalkOutlivesItsMapAndTheMapsMembers) {
-   auto map = std::make_unique<typename TypeParam::Map>();
-   for (Key k = 0; k < 50; ++k) map->insert(k, Rex::make<Token>(k));
-   int seen = 0;
-   for (auto [key, value] : *map) {
-      ++seen;
-      if (key == 3) map.reset();
-      EXPECT_EQ(value->number, key);
-   }
-   EXPECT_EQ(seen, 4);
-   EXPECT_EQ(Token::living, 0);
-}
-
 namespace {
 
 // A value whose end reaches into the map that it stood in.

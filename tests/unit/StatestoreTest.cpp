@@ -2,14 +2,11 @@
 #include <gmock/gmock.h>
 
 #include "Foreign/Bridging.h"
-#include "Foreign/CAgent.h"
 #include "Foreign/Toggle.h"
 #include "Rex/Dir.h"
 #include "Rex/EntityType.h"
 #include "Statestore/Cell.h"
 #include "Statestore/EntityManager.h"
-#include "Statestore/IpMountKit.h"
-#include "Statestore/RexPool.h"
 #include "unit/RexFixture.h"
 
 using namespace Statestore;
@@ -94,30 +91,6 @@ TEST_F(StatestoreTest, AnEmptyGroupIsToldTooAndAManagerThatGoesTellsNobody) {
    EXPECT_EQ(told.size(), 1u);
 }
 
-TEST_F(StatestoreTest, StepsLeadThroughPathsDirectoriesMembersAndKeys) {
-   manager->entityIs("bridging/config", "Bridging::Config");
-   auto config = Rex::dynamicPtr<Bridging::Config>(manager->getEntity("bridging/config"));
-   auto row = config->switchIntfConfigIs(Wirekit::IntfId("Ethernet3/1"));
-   manager->entityIs("cells", "Rex::Dir");
-   auto entry = manager->entityIs("cells/1", "Bridging::Config");
-   auto inner = Rex::dynamicPtr<Bridging::Config>(entry)->switchIntfConfigIs(Wirekit::IntfId("E1"));
-
-   auto find = [&](const char* path) { return manager->find(*decodePath(path)).entity.get(); };
-   EXPECT_EQ(find("bridging/config/switchIntfConfig/Ethernet3%2F1"), row.get());
-   EXPECT_EQ(find("cells/1"), entry.get());
-   EXPECT_EQ(find("cells/1/switchIntfConfig/E1"), inner.get());
-   for (const char* nothing :
-        {"", "bridging", "bridging/config/switchIntfConfig", "bridging/config/nothing/1",
-         "bridging%2Fconfig", "bridging/config/switchIntfConfig/Ethernet3/1", "cells/2",
-         "cells/1/switchIntfConfig/E2"}) {
-      EXPECT_EQ(find(nothing), nullptr) << nothing;
-   }
-   EXPECT_EQ(manager->find({"cells", "1"}).root, "cells");
-   // An entry of a directory is in the directory, and is no path of its own.
-   EXPECT_TRUE(Rex::dynamicPtr<Rex::Dir>(manager->getEntity("cells"))->entityPtrHas("1"));
-   EXPECT_THAT(manager->paths(), ElementsAre("bridging/config", "cells"));
-}
-
 TEST_F(StatestoreTest, LocalEntitiesAreOfOneClientAlone) {
    Rex::Context peer(clock);
    peer.cellId = 2;
@@ -138,54 +111,6 @@ TEST_F(StatestoreTest, LocalEntitiesAreOfOneClientAlone) {
    EXPECT_EQ(Cell::cellId(), 2);
    EXPECT_EQ(Cell::path("sys/net/status", 0), "cell/2/sys/net/status");
    EXPECT_EQ(Cell::path("sys/net/status", 1), "cell/1/sys/net/status");
-}
-
-TEST_F(StatestoreTest, TablesAndIpMounts) {
-   RexPool::Mount pool(manager);
-   pool.doMount("kni/ns/default/status", "KernelNetInfo::Status", RexPool::MountInfo(3));
-   EXPECT_EQ(pool.getEntity("kni/ns/default/status")->entityType().name(), "KernelNetInfo::Status");
-   EXPECT_FALSE(pool.getEntity("kni/ns/other/status"));
-
-   auto group = manager->getMountGroup(this);
-   IpMountKit::IpMountKitIpStatusMounter().doMountEntities(group, true, true);
-   group->doClose(false, "", 0.0);
-   pass();
-   EXPECT_THAT(told, ElementsAre(mountSuccess_));
-   EXPECT_EQ(manager->getEntity("ip/status")->entityType().name(), "Ip::Status");
-   EXPECT_EQ(manager->getEntity("ip6/status")->entityType().name(), "Ip6::Status");
-}
-
-namespace {
-
-struct TestAgent : AgentBase::CAgent {
-   TestAgent() : CAgent("Test") {}
-   void doInit() override {
-      local = createLocalEntity("Dir", "Rex::Dir", "local/dir");
-      localEntitiesCreatedIs(true);
-      auto group = entityManager()->getMountGroup(this);
-      group->doMount(Mount("bridging/config", "Bridging::Config", "r"));
-      group->doClose(false, "", 0.0);
-   }
-   void doMountsComplete(MountStatus status, const Rex::Ptr<EntityManager>& from) override {
-      EXPECT_EQ(status, mountSuccess_);
-      config = Rex::dynamicPtr<Bridging::Config const>(from->getEntity("bridging/config"));
-   }
-   Rex::Ptr<Rex::Entity> local;
-   Rex::Ptr<Bridging::Config const> config;
-};
-
-}  // namespace
-
-TEST_F(StatestoreTest, AnAgentMountsAndFindsItsRedundancyStatus) {
-   auto agent = Rex::make<TestAgent>();
-   agent->doInit();
-   EXPECT_EQ(agent->entityManager()->getEntity("local/dir"), agent->local);
-   EXPECT_FALSE(agent->config);
-   pass();
-   EXPECT_TRUE(agent->config);
-   EXPECT_EQ(agent->redundancyStatus()->mode(), 0);
-   EXPECT_EQ(agent->entityManager()->getEntity("cell/1/redundancy/status").get(),
-             agent->redundancyStatus().get());
 }
 
 TEST_F(StatestoreTest, TogglesComeFromTheContextTheFileOrTheirDefault) {

@@ -4,8 +4,6 @@
 #include <numeric>
 #include <vector>
 
-#include "Rex/Clock.h"
-#include "Rex/Context.h"
 #include "Wirekit/Pkt.h"
 
 namespace Wirekit {
@@ -69,16 +67,6 @@ TEST(Pkt, theTagBesideTheFrameGoesWithItsPacket) {
    EXPECT_FALSE(pkt->separateVlanTag());
 }
 
-TEST(Pkt, steadyStateReusesTheSamePackets) {
-   Pkt::Manager packets;
-   Pkt* received = packets.newPkt(octets(60)).get();
-   Pkt* sent = packets.newPkt().get();
-   for (int i = 0; i < 100; ++i) {
-      EXPECT_EQ(packets.newPkt(octets(1514)).get(), received);
-      EXPECT_EQ(packets.newPkt().get(), sent);
-   }
-}
-
 TEST(Pkt, thePoolIsBoundedAndRecovers) {
    Pkt::Manager packets;
    packets.maxSharedDataIs(10000);
@@ -95,39 +83,6 @@ TEST(Pkt, thePoolIsBoundedAndRecovers) {
    out.clear();
    EXPECT_EQ(packets.newPkt()->maxSharedData(), 12000u);
    EXPECT_EQ(packets.memoryLeft(), 35000u);
-}
-
-TEST(Pkt, outlivesItsManager) {
-   auto packets = std::make_unique<Pkt::Manager>();
-   Pkt::Ptr pkt = packets->newPkt(octets(60));
-   packets.reset();
-   EXPECT_EQ(contentOf(*pkt), octets(60));
-}
-
-TEST(PktQueue, firstInFirstOut) {
-   Pkt::Manager packets;
-   PktQueue queue;
-   EXPECT_FALSE(queue.pop());
-   for (size_t round = 0; round < 2; ++round) {
-      for (size_t i = 1; i <= 3; ++i) queue.push(packets.newPkt(octets(i)));
-      EXPECT_EQ(queue.size(), 3u);
-      EXPECT_EQ(queue.memory(), packets.memoryLimit() - packets.memoryLeft());
-      for (size_t i = 1; i <= 3; ++i) EXPECT_EQ(queue.pop()->bytes(), i);
-      EXPECT_TRUE(queue.empty());
-   }
-   queue.push(packets.newPkt(octets(1)));
-   queue.clear();
-   EXPECT_EQ(packets.memoryLeft(), packets.memoryLimit());
-}
-
-TEST(PktManager, isOneForEachContext) {
-   Rex::Context a(Rex::make<Rex::Clock>(std::make_shared<Rex::ManualTime>()));
-   Rex::Context b(Rex::make<Rex::Clock>(std::make_shared<Rex::ManualTime>()));
-   Rex::ContextScope scope(a);
-   Pkt::Manager& ofA = globalPktManager();
-   EXPECT_EQ(&ofA, &globalPktManager());
-   Rex::ContextScope inner(b);
-   EXPECT_NE(&ofA, &globalPktManager());
 }
 
 }  // namespace

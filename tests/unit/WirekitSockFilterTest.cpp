@@ -16,40 +16,6 @@ namespace {
 using Program = std::vector<SockFilterInstruction>;
 using LldpFilter::Octets;
 
-uint32_t lldp(const Octets& frame) {
-   return sockFilterRun(LldpFilter::program().instructions(), frame);
-}
-
-TEST(SockFilter, lldpFilterPassesLldpOnly) {
-   EXPECT_TRUE(sockFilterValid(LldpFilter::program().instructions()));
-   EXPECT_EQ(lldp(LldpFilter::frame()), 0xFFFFu);
-   EXPECT_EQ(lldp(LldpFilter::frame(0x88CC, 100)), 0xFFFFu);
-   EXPECT_EQ(lldp(LldpFilter::frame(0x0800)), 0u);
-   EXPECT_EQ(lldp(LldpFilter::frame(0x0800, 100)), 0u);
-   for (size_t octet = 0; octet < 6; ++octet) {
-      Octets otherGroup = LldpFilter::frame();
-      otherGroup[octet] ^= 1;
-      EXPECT_EQ(lldp(otherGroup), 0u) << octet;
-   }
-   Octets doubleTagged = LldpFilter::frame(0x8100, 100);
-   doubleTagged[20] = 0x88;
-   doubleTagged[21] = 0xCC;
-   EXPECT_EQ(lldp(doubleTagged), 0u);
-}
-
-TEST(SockFilter, aLoadBeyondTheFrameRefusesIt) {
-   Octets plain = LldpFilter::frame(0x88CC, {}, 14);
-   Octets tagged = LldpFilter::frame(0x88CC, 100, 18);
-   for (size_t size = 0; size <= plain.size(); ++size) {
-      EXPECT_EQ(lldp(Octets(plain.begin(), plain.begin() + size)), size < 14 ? 0u : 0xFFFFu)
-          << size;
-   }
-   for (size_t size = 0; size <= tagged.size(); ++size) {
-      EXPECT_EQ(lldp(Octets(tagged.begin(), tagged.begin() + size)), size < 18 ? 0u : 0xFFFFu)
-          << size;
-   }
-}
-
 TEST(SockFilter, whatCannotRunIsNotValid) {
    const SockFilterInstruction end{BPF_RET | BPF_K, 0, 0, 1};
    const Program bad[] = {
@@ -70,6 +36,7 @@ TEST(SockFilter, whatCannotRunIsNotValid) {
    };
    for (const Program& program : bad) EXPECT_FALSE(sockFilterValid(program)) << &program - bad;
    EXPECT_TRUE(sockFilterValid({}));
+   EXPECT_TRUE(sockFilterValid(LldpFilter::program().instructions()));
    EXPECT_EQ(sockFilterRun({}, LldpFilter::frame()), 0xFFFFFFFFu);
 }
 
