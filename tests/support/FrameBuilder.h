@@ -83,15 +83,4 @@ inline std::string typicalLldpdu(uint32_t n = 1, std::string_view name = "switch
           endOfLldpdu();
 }
 
-// A TLV, or a part of one, with a name for the test that cuts a frame.
-struct Fragment {
-   const char* label;
-   std::string octets;
-};
-inline std::string joined(const std::vector<Fragment>& fragments) {
-   std::string all;
-   for (const auto& fragment : fragments) all += fragment.octets;
-   return all;
-}
-
 }  // namespace LldpTest

@@ -1,8 +1,13 @@
 // Change detection between a frame and what its neighbour is known by.
 #include <gmock/gmock.h>
 
+#include <iterator>
+#include <sstream>
+
 #include "Lldp/LldpProtocol/Compare.h"
 #include "support/ChangeLog.h"
+#include "support/CodecPort.h"
+#include "support/OrganisationTlvs.h"
 #include "support/TestContext.h"
 
 using namespace LldpTest;
@@ -16,95 +21,28 @@ Lldp::RemoteSystem::Ptr newNeighbour(int index) {
    return Rex::make<Lldp::RemoteSystem>(index, Lldp::RemoteSystem::Msap{});
 }
 
-// Everything that a frame can bring, other than its default. Written in another order than that in
-// which the attributes are to be copied.
-Lldp::RemoteSystem::Ptr fullNeighbour() {
-   auto n = newNeighbour(1);
-   auto text = [](const char* t) {
-      return Lldp::BoundedString255Tlv::create(Lldp::BoundedString255(Rex::String(t)));
-   };
-   auto text32 = [](const char* t) {
-      return Lldp::BoundedString32Tlv::create(Lldp::BoundedString32(Rex::String(t)));
-   };
-   n->maximumFrameSizeTlvReceivedIs(true);
-   n->maximumFrameSizeInfoIs({1500});
-   n->assetIDTlvInfoIs(text32("asset"));
-   n->modelNameTlvInfoIs(text32("model"));
-   n->manufacturerNameTlvInfoIs(text32("manufacturer"));
-   n->serialNumberTlvInfoIs(text32("serial"));
-   n->softwareRevisionTlvInfoIs(text32("software"));
-   n->firmwareRevisionTlvInfoIs(text32("firmware"));
-   n->hardwareRevisionTlvInfoIs(text32("hardware"));
-   Lldp::LocationId location;
-   location.ecsElin.elin = decltype(location.ecsElin.elin)(Rex::String("112"));
-   n->locationIdIs(location);
-   n->networkPolicyTlvIs({.appType = 1, .vlanId = 5});
-   n->medCapabilitiesInfoIs({3, 1});
-   n->medCapabilitiesTlvReceivedIs(true);
-   n->powerViaMdiTlvReceivedIs(true);
-   n->powerViaMdiInfoIs({.powerClass = 4});
-   n->macPhyConfigStatusTlvReceivedIs(true);
-   n->macPhyConfigStatusInfoIs({.operMauType = 30});
-   n->linkAggregationTlvReceivedIs(true);
-   n->linkAggregationInfoIs({3, 7});
-   n->managementVidTlvReceivedIs(true);
-   n->managementVidIs(9);
-   n->vidUsageDigestTlvReceivedIs(true);
-   n->vidUsageDigestIs(77);
-   n->protocolIdentityInfoIs({1, Lldp::BoundedString255(Rex::String("stp"))});
-   n->vlanNameIs({5, Lldp::BoundedString32(Rex::String("voice"))});
-   n->portAndProtocolVlanIs({6, true, true});
-   n->portVlanIdTlvReceivedIs(true);
-   n->portVlanIdIs(5);
-   n->unknownOrgDefTlvIs({{{0xABCDEF}, 1, 1}, {}});
-   n->unknownTlvIs({9, {}});
-   Lldp::ManagementAddress address;
-   address.key = {1, Lldp::ManAddress("abcd", 4)};
-   n->managementAddressIs(address);
-   n->systemCapabilitiesIs(Lldp::SystemCapabilitiesTlv::create(4, 4));
-   n->sysDescIs(text("description"));
-   n->sysNameIs(text("name"));
-   n->portDescIs(text("port"));
-   return n;
+// Everything that a frame can bring, other than its default.
+Lldp::RemoteSystem::PtrConst fullNeighbour() {
+   std::string lldpdu = everyTlvLldpdu();
+   lldpdu.resize(lldpdu.size() - 2);
+   return CodecPort().receive(lldpdu + tlv(9, "reserved") + organization(0xABCDEF, 1, "unknown"));
 }
 
-const std::vector<std::string> order = {
-    "portDesc",
-    "sysName",
-    "sysDesc",
-    "systemCapabilities",
-    "managementAddress",
-    "unknownTlv",
-    "unknownOrgDefTlv",
-    "portVlanId",
-    "portVlanIdTlvReceived",
-    "portAndProtocolVlan",
-    "vlanName",
-    "protocolIdentityInfo",
-    "vidUsageDigest",
-    "vidUsageDigestTlvReceived",
-    "managementVid",
-    "managementVidTlvReceived",
-    "linkAggregationInfo",
-    "linkAggregationTlvReceived",
-    "macPhyConfigStatusInfo",
-    "macPhyConfigStatusTlvReceived",
-    "powerViaMdiInfo",
-    "powerViaMdiTlvReceived",
-    "medCapabilitiesTlvReceived",
-    "medCapabilitiesInfo",
-    "networkPolicyTlv",
-    "locationId",
-    "hardwareRevisionTlvInfo",
-    "firmwareRevisionTlvInfo",
-    "softwareRevisionTlvInfo",
-    "serialNumberTlvInfo",
-    "manufacturerNameTlvInfo",
-    "modelNameTlvInfo",
-    "assetIDTlvInfo",
-    "maximumFrameSizeInfo",
-    "maximumFrameSizeTlvReceived",
-};
+// The attributes in the order in which they are to be copied.
+const std::vector<std::string> order = [] {
+   std::istringstream words(
+       "portDesc sysName sysDesc systemCapabilities managementAddress unknownTlv "
+       "unknownOrgDefTlv portVlanId portVlanIdTlvReceived portAndProtocolVlan "
+       "vlanName protocolIdentityInfo vidUsageDigest vidUsageDigestTlvReceived "
+       "managementVid managementVidTlvReceived linkAggregationInfo "
+       "linkAggregationTlvReceived macPhyConfigStatusInfo "
+       "macPhyConfigStatusTlvReceived powerViaMdiInfo powerViaMdiTlvReceived "
+       "medCapabilitiesTlvReceived medCapabilitiesInfo networkPolicyTlv locationId "
+       "hardwareRevisionTlvInfo firmwareRevisionTlvInfo softwareRevisionTlvInfo "
+       "serialNumberTlvInfo manufacturerNameTlvInfo modelNameTlvInfo assetIDTlvInfo "
+       "maximumFrameSizeInfo maximumFrameSizeTlvReceived");
+   return std::vector<std::string>(std::istream_iterator<std::string>(words), {});
+}();
 
 class CodecCompare : public testing::Test {
  protected:
@@ -137,7 +75,7 @@ TEST_F(CodecCompare, AllAttributesAreCopiedInOrderAndRemovedInOrder) {
    EXPECT_EQ(context.traced(8).size(), order.size());
    EXPECT_EQ(context.traced(8)[0],
              "Attribute portDesc changed (was: {tlvReceived: false, tlvInfo: }, now: "
-             "{tlvReceived: true, tlvInfo: port})");
+             "{tlvReceived: true, tlvInfo: Uplink to the distribution layer, row 7})");
    EXPECT_EQ(context.traced(8)[5], "Member 9 of collection unknownTlv added/updated");
 
    EXPECT_THAT(written(*full, stored), IsEmpty());

@@ -69,19 +69,4 @@ TEST(CodecMemory, TypicalNeighbourFitsFourKibibytes) {
    EXPECT_EQ(port.portStatus->remoteSystems(), 0u);
 }
 
-// A refused frame leaves nothing behind.
-TEST(CodecMemory, FatalFramesLeakNothing) {
-   TestContext context;
-   CodecPort port;
-   port.receive(typicalLldpdu());
-   std::string fatal = typicalLldpdu();
-   fatal.resize(fatal.size() - 2);
-   fatal += timeToLive(1);
-   port.receive(fatal);
-   size_t memory = Rex::Pool::inUse();
-   for (int i = 0; i < 100; ++i) port.receive(fatal);
-   EXPECT_EQ(Rex::Pool::inUse(), memory);
-   EXPECT_EQ(port.portStatus->rxFramesDiscardedTotal(), 101u);
-}
-
 }  // namespace

@@ -51,21 +51,6 @@ TEST_F(CodecOptionalTlvs, SystemCapabilities) {
    EXPECT_EQ(neighbour->lastChangeTime(), context.now());
 }
 
-// The fields of a Management Address TLV whose header tells the truth, cut after each octet.
-TEST_F(CodecOptionalTlvs, ManagementAddressIsFatalWhenCutInItsFields) {
-   std::string whole = managementAddress(1, "\x0A\x01\x02\x03", 7, "\x2B\x06\x01").substr(2);
-   const std::string tooShort = "Error: Management Address TLV is too short (infoLen=";
-   for (size_t n = 0; n < whole.size(); ++n) {
-      SCOPED_TRACE(n);
-      std::string words = tooShort + std::to_string(n);
-      if (n >= 9) words += ", manAddrStringLen=5";
-      if (n >= 12) words += ", oidStringLen=3";
-      expect(tlv(8, whole.substr(0, n)), fatal, words + ")");
-   }
-   expect(tlv(8, whole), ok);
-   expect(tlv(8, whole + "tail"), ok);
-}
-
 TEST_F(CodecOptionalTlvs, ManagementAddressHasItsRanges) {
    auto address = [](unsigned length, size_t octets, unsigned oidLength, size_t oidOctets) {
       return tlv(8, be8(length) + be8(1) + std::string(octets, 'a') + be8(2) + be32(7) +

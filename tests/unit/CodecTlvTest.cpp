@@ -1,9 +1,6 @@
 // One TLV at a time, and object identifiers.
 #include <gmock/gmock.h>
 
-#include <array>
-#include <cstring>
-
 #include "Lldp/LldpProtocol/Oid.h"
 #include "Lldp/LldpProtocol/Tlv.h"
 #include "support/FrameBuilder.h"
@@ -21,30 +18,6 @@ class CodecTlv : public testing::Test {
    TestContext context;
 };
 
-TEST_F(CodecTlv, IsWrittenWholeOrNotAtAll) {
-   const std::string info = "abc";
-   for (int room = 0; room <= 6; ++room) {
-      context.traces.clear();
-      std::string buffer(6, '#');
-      char* cursor = buffer.data();
-      bool fits = putTlv(&cursor, buffer.data() + room, 5, 3, info.data());
-      EXPECT_EQ(fits, room >= 5) << room;
-      if (fits) {
-         EXPECT_EQ(buffer, tlv(5, info) + "#");
-         EXPECT_EQ(cursor, buffer.data() + 5);
-         EXPECT_THAT(context.traced(8),
-                     ElementsAre("Added TLV (type=5, infoLen=3); remaining space " +
-                                 std::to_string(room - 5) + " bytes"));
-      } else {
-         EXPECT_EQ(buffer, "######");
-         EXPECT_EQ(cursor, buffer.data());
-         EXPECT_THAT(context.traced(2),
-                     ElementsAre("No room for TLV (type=5, infoLen=3); remaining space " +
-                                 std::to_string(room) + " bytes"));
-      }
-   }
-}
-
 TEST_F(CodecTlv, LengthBeyondTheFieldIsNoRoomInAShortBufferAndAFaultInALongOne) {
    std::string info(512, 'x');
    std::string buffer(1000, '#');
@@ -54,80 +27,6 @@ TEST_F(CodecTlv, LengthBeyondTheFieldIsNoRoomInAShortBufferAndAFaultInALongOne) 
    EXPECT_EQ(buffer.substr(0, 513), tlv(9, info.substr(0, 511)));
    cursor = buffer.data();
    EXPECT_DEATH(putTlv(&cursor, buffer.data() + 1000, 9, 512, info.data()), "infoLen & ~0x1ff");
-}
-
-TEST_F(CodecTlv, OrganisationTlvIsCompletedInPlace) {
-   std::array<char, maxTlvInfoLen> scratch{};
-   infoBuf = scratch.data();
-   std::memcpy(scratch.data() + 4, "\x12\x34", 2);
-   std::string buffer(8, '#');
-   char* cursor = buffer.data();
-   EXPECT_TRUE(putOrgDefTlv(&cursor, buffer.data() + 8, dot1Oui, 1, 2, scratch.data() + 4));
-   EXPECT_EQ(buffer, std::string("\xFE\x06\x00\x80\xC2\x01\x12\x34", 8));
-   EXPECT_DEATH(putOrgDefTlv(&cursor, buffer.data() + 8, dot1Oui, 1, 2, scratch.data() + 5),
-                "info == infoBuf");
-   infoBuf = nullptr;
-}
-
-TEST_F(CodecTlv, IsReadFromWhatIsThere) {
-   const std::string whole = tlv(42, "abc");
-   const std::string atHeader = "Error: frame ended during (or before) TLV header";
-   const std::string atInfo =
-       "Error: frame ended during TLV information string (type=42, infoLen=3)";
-   for (size_t length = 0; length <= whole.size(); ++length) {
-      context.traces.clear();
-      const char* begin = whole.data();
-      const char* cursor = begin;
-      const char* info = nullptr;
-      int type = -1;
-      int infoLen = -1;
-      bool read = extractTlv(&cursor, begin + length, &type, &infoLen, &info);
-      EXPECT_EQ(read, length == whole.size());
-      if (length < 2) {
-         EXPECT_EQ(cursor, begin);
-         EXPECT_EQ(type, -1);
-         EXPECT_EQ(infoLen, -1);
-         EXPECT_THAT(context.traced(0), ElementsAre(atHeader));
-         continue;
-      }
-      // What the header told stands, also when the rest is missing.
-      EXPECT_EQ(type, 42);
-      EXPECT_EQ(infoLen, 3);
-      EXPECT_EQ(info, begin + 2);
-      EXPECT_EQ(cursor, begin + 5);
-      if (!read) {
-         EXPECT_THAT(context.traced(0), ElementsAre(atInfo));
-      }
-   }
-}
-
-TEST_F(CodecTlv, MandatoryOneHasTypeAndSize) {
-   struct {
-      std::string octets;
-      std::vector<std::string> words;
-   } cases[] = {
-       {tlv(2, "ab"), {}},
-       {tlv(2, "abcd"), {}},
-       {"",
-        {"Error: frame ended during (or before) TLV header",
-         "Error: frame ended during mandatory TLV"}},
-       {tlvOfLength(2, 3, "ab"),
-        {"Error: frame ended during TLV information string (type=2, infoLen=3)",
-         "Error: frame ended during mandatory TLV"}},
-       {tlv(3, ""), {"Error: TLV was not of the expected type (type=3)"}},
-       {tlv(2, ""), {"Error: size of TLV out of range (infoLen=0)"}},
-       {tlv(2, "a"), {"Error: size of TLV out of range (infoLen=1)"}},
-       {tlv(2, "abcde"), {"Error: size of TLV out of range (infoLen=5)"}},
-   };
-   for (const auto& row : cases) {
-      context.traces.clear();
-      const char* cursor = row.octets.data();
-      const char* info = nullptr;
-      int infoLen = 0;
-      EXPECT_EQ(extractMandatoryTlv(&cursor, cursor + row.octets.size(), 2, 4, &infoLen, &info),
-                row.words.empty());
-      EXPECT_EQ(context.traced(0), row.words);
-   }
 }
 
 TEST_F(CodecTlv, ObjectIdentifiersAreDecoded) {

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "Lldp/LldpInputSm/IntfKinds.h"
-#include "Lldp/LldpInputSm/Lag.h"
 #include "Lldp/LldpInputSm/PortConfigSync.h"
 #include "support/InputFixture.h"
 
@@ -113,54 +112,6 @@ TEST(InputPortConfig, MonitoringModeTakesTransmissionAway) {
    }
 }
 
-TEST(InputPortConfig, GroupGovernsItsMembers) {
-   InputFixture input;
-   IntfId port("Ethernet1");
-   input.bridging->switchIntfConfigIs(port)->switchportModeIs(Bridging::switchportMonitorIn);
-   auto group = input.bridging->switchIntfConfigIs(IntfId("Port-Channel10"));
-   auto portConfig = input.config->portConfigIs(port);
-   auto lags = input.root->portToLagsMapIs(port);
-   lags->lagIdIs(IntfId("Port-Channel100"), true);
-   lags->lagIdIs(IntfId("Port-Channel10"), true);
-   EXPECT_EQ(portToLag(port, input.root), IntfId("Port-Channel10"));
-   EXPECT_EQ(portToLag(IntfId("Ethernet2"), input.root), IntfId());
-   portAdminStatusIs(portConfig, AdminStatus::txAndRx, input.bridging, input.root);
-   EXPECT_EQ(portConfig->adminStatus(), AdminStatus::txAndRx);
-   group->switchportModeIs(Bridging::switchportMonitorOut);
-   portAdminStatusIs(portConfig, AdminStatus::txAndRx, input.bridging, input.root);
-   EXPECT_EQ(portConfig->adminStatus(), AdminStatus::rxOnly);
-   // A group that nobody configured governs all the same.
-   lags->lagIdDel(IntfId("Port-Channel10"));
-   portAdminStatusIs(portConfig, AdminStatus::txAndRx, input.bridging, input.root);
-   EXPECT_EQ(portConfig->adminStatus(), AdminStatus::txAndRx);
-}
-
-TEST(InputPortConfig, LinkAggregationFollowsTheGroup) {
-   InputFixture input;
-   input.startActive();
-   IntfId port("Ethernet1");
-   IntfId group("Port-Channel7");
-   input.root->portToLagsMapIs(port)->lagIdIs(group, true);
-   input.intf("Ethernet1");
-   LinkAggregationInfo info = input.localPort("Ethernet1")->linkAggregationInfo();
-   EXPECT_EQ(info.status.value(), 0x03);
-   EXPECT_EQ(info.portId, 0xFFFFFFFFu);  // a group that has no number
-
-   auto status = Rex::make<Interface::IntfStatus>(group);
-   input.intfDir->intfStatusIs(status);
-   EXPECT_EQ(ifIndexVal(group, input.root), -1);
-   status->ifIndexIs(1000007);
-   EXPECT_EQ(ifIndexVal(group, input.root), 1000007);
-   syncLinkAggregationInfo(input.localPort("Ethernet1"), input.root);
-   EXPECT_EQ(input.localPort("Ethernet1")->linkAggregationInfo().portId, 1000007u);
-
-   input.root->portToLagsMapDel(port);
-   syncLinkAggregationInfo(input.localPort("Ethernet1"), input.root);
-   info = input.localPort("Ethernet1")->linkAggregationInfo();
-   EXPECT_EQ(info.status.value(), 0x01);
-   EXPECT_EQ(info.portId, 0u);
-}
-
 TEST(InputPortConfig, OperatorsRowAndPortComeInAnyOrder) {
    InputFixture input;
    input.startActive();
@@ -210,13 +161,6 @@ TEST(InputPortConfig, DescriptionComesBeforeOrAfterThePort) {
    // The last description stays when its configuration goes.
    input.phyConfigDir->intfConfigDel(IntfId("Ethernet2"));
    EXPECT_EQ(input.localPort("Ethernet2")->portDesc().bytes(), 255u);
-}
-
-TEST(InputPortConfig, WithoutInputSmNothingIsDerived) {
-   InputFixture input;
-   auto portConfig = input.config->portConfigIs(IntfId("Ethernet1"));
-   syncPortConfig(portConfig, input.root);
-   EXPECT_EQ(portConfig->enabledTlvs().bits, 0u);
 }
 
 TEST(InputPortConfigDeathTest, RowThatChangesItsEntityInPlace) {

@@ -1,13 +1,10 @@
 // When a port's rows come and go, on an active and on a standby supervisor.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "support/InputFixture.h"
 
 using namespace Lldp;
 using LldpTest::InputFixture;
-using testing::Contains;
-using testing::HasSubstr;
 using Wirekit::IntfId;
 
 TEST(InputPortLife, ForwardingModelDecides) {
@@ -27,17 +24,6 @@ TEST(InputPortLife, ForwardingModelDecides) {
       input.dot1x->lldpBypassIs(false);
       EXPECT_EQ(input.rows("Ethernet1"), c.without) << c.model;
    }
-}
-
-TEST(InputPortLife, BypassIsTraced) {
-   InputFixture input;
-   input.context.traceOn("LldpAgent", 1 << 5);
-   input.startActive();
-   input.dot1x->lldpBypassIs(true);
-   input.intf("Ethernet1", Interface::intfForwardingUnauthorized);
-   EXPECT_THAT(input.context.takeTraces(),
-               Contains("Dot1x's LLDP bypass enabled, using interface ( Ethernet1 ) with "
-                        "forwardingModel: intfForwardingUnauthorized"));
 }
 
 TEST(InputPortLife, PortThatStaysKeepsItsStatus) {

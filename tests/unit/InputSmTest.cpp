@@ -102,30 +102,6 @@ TEST(InputSm, FrameSizeReachesFrontPanelPortsAlone) {
    EXPECT_EQ(input.localPort("Management1")->maximumFrameSizeInfo().maxFrameSize, 9018);
 }
 
-TEST(InputSm, OperatorsSwitchMovesStatusAndNoRow) {
-   InputFixture input;
-   input.startActive();
-   input.intf("Ethernet1");
-   input.intf("Ethernet2");
-   input.cliConfig->cliPortConfigIs(Wirekit::IntfId("Ethernet1"))
-       ->adminStatusIs(AdminStatus::rxOnly);
-   input.cliConfig->enabledIs(false);
-   for (const char* name : {"Ethernet1", "Ethernet2"}) {
-      EXPECT_EQ(input.portConfig(name)->adminStatus(), AdminStatus::disabled);
-      EXPECT_EQ(input.rows(name), "CLSD");
-   }
-   // While LLDP is off, the operator's rows wait.
-   input.cliConfig->cliPortConfig(Wirekit::IntfId("Ethernet1"))->adminStatusIs(AdminStatus::txOnly);
-   input.cliConfig->cliPortConfigIs(Wirekit::IntfId("Ethernet2"))
-       ->adminStatusIs(AdminStatus::rxOnly);
-   EXPECT_EQ(input.portConfig("Ethernet1")->adminStatus(), AdminStatus::disabled);
-   EXPECT_EQ(input.portConfig("Ethernet2")->adminStatus(), AdminStatus::disabled);
-   input.cliConfig->enabledIs(true);
-   EXPECT_EQ(input.portConfig("Ethernet1")->adminStatus(), AdminStatus::txOnly);
-   EXPECT_EQ(input.portConfig("Ethernet2")->adminStatus(), AdminStatus::rxOnly);
-   EXPECT_EQ(input.rows("Ethernet1"), "CLSD");
-}
-
 TEST(InputSm, OneReactionMaySwitchOnAndMakeARow) {
    InputFixture input;
    input.cliConfig->enabledIs(false);

@@ -43,60 +43,39 @@ class LldpPamSmRx : public testing::Test {
 };
 
 TEST_F(LldpPamSmRx, TagHandling) {
-   const std::string badEtherType = "Received frame with incorrect EtherType -- ignoring";
-   const std::string separateSeen = "Received 802.1Q-tagged frame (Tpid: 0x8100) with VLAN ID 100";
-   const std::string inlineSeen = "Received 802.1Q-tagged frame with VLAN ID 100";
+   const std::string otherType("\x81\0\x20\x64\x08\0", 6);
+   const std::string twoTags("\x81\0\x20\x64\x81\0\0\x01\x88\xCC", 10);
+   const std::string serviceTag("\x88\xA8\x20\x64\x88\xCC", 6);
    struct {
       const char* what;
       bool drop;
       bool separate;
       std::string header;  // from behind the addresses
       bool taken;
-      std::vector<std::string> traces;  // levels 2 and 6
    } cases[] = {
-       {"untagged", false, false, "\x88\xCC", true, {}},
-       {"untagged, drop", true, false, "\x88\xCC", true, {}},
-       {"another type", false, false, "\x88\xCD", false, {badEtherType}},
-       {"separate", false, true, "\x88\xCC", true, {separateSeen}},
-       {"separate, drop", true, true, "\x88\xCC", true, {}},
-       {"separate, another type", false, true, "\x88\xCD", false, {separateSeen, badEtherType}},
-       {"separate, then in line", false, true, inlineTag, false, {separateSeen, badEtherType}},
-       {"in line", false, false, inlineTag, true, {inlineSeen}},
-       {"in line, drop", true, false, inlineTag, false, {badEtherType}},
-       {"in line, another type",
-        false,
-        false,
-        std::string("\x81\0\x20\x64\x08\0", 6),
-        false,
-        {inlineSeen, badEtherType}},
-       {"two in line",
-        false,
-        false,
-        std::string("\x81\0\x20\x64\x81\0\0\x01\x88\xCC", 10),
-        false,
-        {inlineSeen, badEtherType}},
-       {"service tag in line",
-        false,
-        false,
-        std::string("\x88\xA8\x20\x64\x88\xCC", 6),
-        false,
-        {badEtherType}},
+       {"untagged", false, false, "\x88\xCC", true},
+       {"untagged, drop", true, false, "\x88\xCC", true},
+       {"another type", false, false, "\x88\xCD", false},
+       {"separate", false, true, "\x88\xCC", true},
+       {"separate, drop", true, true, "\x88\xCC", true},
+       {"separate, another type", false, true, "\x88\xCD", false},
+       {"separate, then in line", false, true, inlineTag, false},
+       {"in line", false, false, inlineTag, true},
+       {"in line, drop", true, false, inlineTag, false},
+       {"in line, another type", false, false, otherType, false},
+       {"two in line", false, false, twoTags, false},
+       {"service tag in line", false, false, serviceTag, false},
    };
-   context.traceOn("LldpAgent", 1 << 2 | 1 << 6);
    uint32_t neighbour = 0;
    for (const auto& c : cases) {
       SCOPED_TRACE(c.what);
       engine.config->rxTaggedPacketsDropIs(c.drop);
       uint64_t taken = sm()->rxLldpdus();
       size_t before = neighbours();
-      context.takeTraces();
       receive(ethFrame(mandatory(++neighbour), c.header),
               c.separate ? std::optional(tag) : std::nullopt);
       EXPECT_EQ(neighbours() - before, c.taken);
       EXPECT_EQ(sm()->rxLldpdus() - taken, c.taken);
-      std::vector<std::string> traces = context.takeTraces();
-      std::erase_if(traces, [](const auto& text) { return !text.starts_with("Received"); });
-      EXPECT_EQ(traces, c.traces);
    }
    EXPECT_EQ(port.portStatus->rxFramesTotal(), sm()->rxLldpdus()) << "only LLDPDUs are counted";
 }
@@ -113,13 +92,11 @@ TEST_F(LldpPamSmRx, FrameThatEndsInItsTagIsRefused) {
 
 TEST_F(LldpPamSmRx, DestinationIsLookedAtBeforeTheType) {
    context.traceOn("LldpAgent", 1 << 2);
-   for (const char* dst :
-        {"\x01\x80\xC2\xFF\xFF\x03", "\x01\x80\xC2\xFF\xFF\x0E", "\x02\x01\x01\x01\x01\x07"}) {
-      receive(ethFrame(mandatory(), "\x08\x08", dst));
+   receive(ethFrame(mandatory(), "\x08\x08", "\x01\x80\xC2\xFF\xFF\x03"));
+   EXPECT_THAT(context.takeTraces(), ElementsAre("Received frame with incorrect DMAC -- ignoring"));
+   for (const char* dst : {"\x01\x80\xC2\xFF\xFF\x0E", "\x02\x01\x01\x01\x01\x07"}) {
+      receive(ethFrame(mandatory(), "\x88\xCC", dst));
    }
-   EXPECT_THAT(context.takeTraces(), ElementsAre("Received frame with incorrect DMAC -- ignoring",
-                                                 "Received frame with incorrect DMAC -- ignoring",
-                                                 "Received frame with incorrect DMAC -- ignoring"));
    EXPECT_EQ(sm()->rxLldpdus(), 0u);
 }
 
@@ -273,7 +250,6 @@ TEST_F(LldpPamSmRx, NeighboursThatStandWhenTheMachineStartsAgeToo) {
 TEST_F(LldpPamSmRx, LinkDownRemovesNeighboursAndAnUnknownLinkKeepsThem) {
    for (uint32_t n = 1; n <= 3; ++n) receiveLldpdu(n);
    context.takeLogs();
-   context.traceOn("LldpAgent", 1 << 4);
    port.ethPhyIntfStatus->linkStatusIs(Interface::linkUnknown);
    EXPECT_EQ(neighbours(), 3u);
    context.advanceTo(start + 5);
@@ -285,10 +261,6 @@ TEST_F(LldpPamSmRx, LinkDownRemovesNeighboursAndAnUnknownLinkKeepsThem) {
    EXPECT_EQ(port.portStatus->rxAgeoutsTotal(), 0u);
    EXPECT_EQ(engine.status->remTablesLastChangeTime(), start + 5);
    EXPECT_THAT(context.takeLogs(), IsEmpty());
-   auto traces = context.takeTraces();
-   ASSERT_EQ(traces.size(), 4u);
-   EXPECT_EQ(traces[0], "Link down: deleting all RemoteSystems on Ethernet1");
-   EXPECT_TRUE(traces[1].starts_with("Deleting RemoteSystem for ")) << traces[1];
    EXPECT_EQ(sm()->ageClock().timeMin(), start + 120) << "left alone";
    context.advanceTo(start + 120);
    EXPECT_EQ(sm()->ageClock().timeMin(), Rex::never);

@@ -198,18 +198,6 @@ TEST_F(LldpPamSmTx, FrameCarriesTheStateAfterTheWholeReaction) {
    EXPECT_NE(text.find("late"), std::string::npos);
 }
 
-TEST_F(LldpPamSmTx, FrameIsAnEthernetHeaderAndTheLldpdu) {
-   open();
-   context.advance(2);
-   ASSERT_EQ(port.sent->size(), 1u);
-   const auto& octets = port.sent->front().octets;
-   std::string frame(octets.begin(), octets.end());
-   EXPECT_EQ(frame.substr(0, 14), std::string("\x01\x80\xC2\0\0\x0E\x02\0\0\0\0\x07\x88\xCC", 14));
-   EXPECT_EQ(frame.substr(14, 3), std::string("\x02\x07\x04", 3)) << "the chassis identifier";
-   EXPECT_EQ(frame.substr(frame.size() - 2), std::string("\0\0", 2)) << "the end of the LLDPDU";
-   EXPECT_EQ(port.portStatus->txFramesTotal(), 1u);
-}
-
 TEST_F(LldpPamSmTx, ExhaustedPacketPoolSkipsOneTransmission) {
    open();
    context.traceOn("LldpAgent", 1);
@@ -223,40 +211,6 @@ TEST_F(LldpPamSmTx, ExhaustedPacketPoolSkipsOneTransmission) {
    packets.memoryLimitIs(limit);
    run({{4, {}, txFsmIdle, {}}, {32, {}, txFsmTxDelay, {32}}});
    EXPECT_EQ(port.portStatus->txFramesNoMemErrors(), 1u);
-}
-
-TEST_F(LldpPamSmTx, TracesItsSteps) {
-   context.traceOn("LldpAgent", 1 << 6 | 1 << 8);
-   engine.open();
-   context.takeTraces();
-   context.settle();
-   EXPECT_THAT(context.takeTraces(),
-               ElementsAre("ProtocolSm::handlePam( Ethernet1 )", "LldpPamSm::handleInitialized()",
-                           "TX FSM transition txFsmUninitialized -> txFsmDisabled",
-                           "Entering disabled state: checking if port is enabled",
-                           "Port enabled: initiating transition -> txWait state",
-                           "TX FSM transition txFsmDisabled -> txFsmTxWait",
-                           "Entering txWait state: starting txDelayWhile timer",
-                           "Time is 1000.000000; txClock set to expire at 1002.000000",
-                           "LldpPamSm::handleAgeClock()", "Setting ageClock to expire at inf"));
-   context.traceOn("LldpAgent", 1 << 6);
-   context.advance(2);
-   change();
-   context.advance(2);
-   link(Interface::linkDown);
-   context.advance(2);
-   EXPECT_THAT(context.takeTraces(),
-               ElementsAre("txDelayWhile timer expired: txWait -> txDelay",
-                           "Entering txDelay state: tx LLDPDU and starting txDelayWhile timer",
-                           "Local System MIB changed: initiating transition -> txWait state",
-                           "Entering txWait state: no action",
-                           "txDelayWhile timer expired: txWait -> txDelay",
-                           "Entering txDelay state: tx LLDPDU and starting txDelayWhile timer",
-                           "Link down: initiating transition -> reinitializing state",
-                           "Entering reinitializing state: starting txShutdownWhile timer",
-                           "txShutdownWhile timer expired: reinitializing -> disabled",
-                           "Entering disabled state: checking if port is enabled",
-                           "Port not enabled: no action"));
 }
 
 using LldpPamSmTxDeath = LldpPamSmTx;

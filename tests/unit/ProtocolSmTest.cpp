@@ -14,7 +14,6 @@ namespace {
 using Lldp::Agent::Protocol::TxFsmState;
 using LldpTest::Engine;
 using LldpTest::TestContext;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 class ProtocolSmTest : public testing::Test {
@@ -89,23 +88,6 @@ TEST_F(ProtocolSmTest, LossOfASourceRemovesTheNeighboursAndItsReturnMakesAFreshM
    EXPECT_EQ(sm()->rxRateLimitClock().timeMin(), context.now() + 10);
 }
 
-TEST_F(ProtocolSmTest, RowsThatReturnInOneReactionBeforeTheManagersTurnMakeOneMachine) {
-   open();
-   auto first = sm();
-   auto pam = engine.pam(port.intfId);
-   Rex::Dispatcher::run([&] { engine.dropRows(port.intfId); });
-   EXPECT_FALSE(sm());
-   Rex::Dispatcher::run([&] { engine.makeRows(port); });
-   ASSERT_TRUE(sm());
-   EXPECT_EQ(sm()->portStatus(), port.portStatus);
-   EXPECT_EQ(sm()->localPort(), port.localPort);
-   EXPECT_NE(sm(), first);
-   auto second = sm();
-   context.settle();
-   EXPECT_EQ(sm(), second);
-   EXPECT_EQ(engine.pam(port.intfId), pam) << "still wanted, still open";
-}
-
 TEST_F(ProtocolSmTest, SourceReplacedInOneReactionIsALossAndAReturn) {
    open();
    using Replace = std::function<void()>;
@@ -141,58 +123,25 @@ TEST_F(ProtocolSmTest, SourceReplacedInOneReactionIsALossAndAReturn) {
    }
 }
 
-TEST_F(ProtocolSmTest, SwitchClosesAllPortsAndBringsThemBackNew) {
-   auto other = engine.port("Ethernet2");
-   open();
-   context.advance(5);
-   receiveLldpdu(1);
-   auto first = sm();
-   engine.cliConfig->enabledIs(false);
-   context.settle();
-   EXPECT_FALSE(sm());
-   EXPECT_FALSE(engine.sm(other.intfId));
-   EXPECT_TRUE(first->closed());
-   EXPECT_EQ(engine.root->pamCollection()->intfPams(), 0u);
-   EXPECT_EQ(port.portStatus->remoteSystems(), 0u);
-   EXPECT_EQ(engine.root->protocolSm()->localPortSm().size(), 2u);
-   size_t sent = port.sent->size();
-   context.advance(60);
-   EXPECT_EQ(port.sent->size(), sent);
-   double on = context.now();
-   engine.cliConfig->enabledIs(true);
-   context.advance(3);
-   ASSERT_TRUE(sm());
-   EXPECT_NE(sm(), first);
-   EXPECT_EQ(port.sent->back().time, on + 2);
-}
-
-TEST_F(ProtocolSmTest, SwitchThatIsOffAtTheStartLetsNoPortComeUp) {
-   engine.cliConfig->enabledIs(false);
-   open();
-   context.advance(60);
-   EXPECT_FALSE(sm());
-   EXPECT_TRUE(engine.root->protocolSm()->localPortSm(port.intfId));
-}
-
 TEST_F(ProtocolSmTest, ChangesThatMakeAPortTransmitAndThoseThatDoNot) {
    open();
    auto& localSystem = *engine.localSystem;
    auto& localPort = *port.localPort;
    Lldp::ManagementAddress::Key key{1, Lldp::ManAddress("\x0A\0\0\x01", 4)};
    Lldp::UnknownOrgDefTlv external{{0x001122, 1, 1}, {}};
-   Lldp::NetworkPolicyTlv policy;
-   policy.appType = 1;
+   const Lldp::ChassisIdentifier chassis{Lldp::ChassisIdSubtype::local, Lldp::ChassisId("c", 1)};
+   const Lldp::PortIdentifier portId{Lldp::PortIdSubtype::local, Lldp::PortId("p", 1)};
+   const Lldp::NetworkPolicyTlv policy{.appType = 1};
+   const Lldp::LinkAggregationInfo group{1, 0};
+   const Lldp::MedCapabilitiesInfo med{0x03, 4};
+   Environment::Power::PoePortStatus::PortStatus poe;
+   poe.state = Environment::Power::poePortDelivering;
    struct {
       const char* what;
       std::function<void()> change;
       bool transmits;
    } cases[] = {
-       {"chassisIdentifier",
-        [&] {
-           localSystem.chassisIdentifierIs(
-               {Lldp::ChassisIdSubtype::local, Lldp::ChassisId("another", 7)});
-        },
-        true},
+       {"chassisIdentifier", [&] { localSystem.chassisIdentifierIs(chassis); }, true},
        {"sysName", [&] { localSystem.sysNameIs(Lldp::BoundedString255("n")); }, true},
        {"sysName, the same", [&] { localSystem.sysNameIs(Lldp::BoundedString255("n")); }, false},
        {"sysDesc", [&] { localSystem.sysDescIs(Lldp::BoundedString255("d")); }, true},
@@ -202,34 +151,16 @@ TEST_F(ProtocolSmTest, ChangesThatMakeAPortTransmitAndThoseThatDoNot) {
        {"managementAddressPrio", [&] { localSystem.managementAddressPrioIs({}, key); }, true},
        {"managementAddressPrio gone", [&] { localSystem.managementAddressPrioDelAll(); }, true},
        {"ip6ManagementAddress", [&] { localSystem.ip6ManagementAddressIs({key}); }, false},
-       {"portIdentifier",
-        [&] {
-           localPort.portIdentifierIs({Lldp::PortIdSubtype::local, Lldp::PortId("another", 7)});
-        },
-        true},
+       {"portIdentifier", [&] { localPort.portIdentifierIs(portId); }, true},
        {"portDesc", [&] { localPort.portDescIs(Lldp::BoundedString255("d")); }, true},
        {"portVlanId", [&] { localPort.portVlanIdIs(7); }, true},
-       {"linkAggregationInfo",
-        [&] {
-           localPort.linkAggregationInfoIs({1, 0});
-        },
-        true},
+       {"linkAggregationInfo", [&] { localPort.linkAggregationInfoIs(group); }, true},
        {"maximumFrameSizeInfo", [&] { localPort.maximumFrameSizeInfoIs({9236}); }, true},
        {"unknownOrgDefTlv", [&] { localPort.unknownOrgDefTlvIs(external); }, true},
        {"localNetworkPolicyTlv", [&] { localPort.localNetworkPolicyTlvIs(policy); }, true},
-       {"medCapabilities",
-        [&] {
-           localPort.medCapabilitiesIs({0x03, 4});
-        },
-        false},
+       {"medCapabilities", [&] { localPort.medCapabilitiesIs(med); }, false},
        {"localPortPoeInfo", [&] { localPort.initilizeLocalPortPoeInfo(); }, false},
-       {"poePortStatus",
-        [&] {
-           Environment::Power::PoePortStatus::PortStatus status;
-           status.state = Environment::Power::poePortDelivering;
-           localPort.localPortPoeInfo()->poePortStatusIs(status);
-        },
-        true},
+       {"poePortStatus", [&] { localPort.localPortPoeInfo()->poePortStatusIs(poe); }, true},
        {"localPortPoeInfo gone", [&] { localPort.localPortPoeInfoIs(nullptr); }, false},
        {"messageTxInterval", [&] { engine.config->messageTxIntervalIs(31); }, false},
        {"enabledTlvs",
@@ -243,30 +174,6 @@ TEST_F(ProtocolSmTest, ChangesThatMakeAPortTransmitAndThoseThatDoNot) {
       EXPECT_EQ(port.sent->size() - sent, c.transmits);
    }
    EXPECT_FALSE(engine.root->protocolSm()->localPortSm(port.intfId)->localPortPoeInfoSm());
-}
-
-TEST_F(ProtocolSmTest, ChangeOnAPortWithoutAMachineIsDropped) {
-   context.traceOn("LldpAgent");
-   port.localPort->portDescIs(Lldp::BoundedString255("d"));
-   EXPECT_THAT(context.takeTraces(), ElementsAre("LocalPortSm::handleLocalPortAttrs()",
-                                                 "LocalPortSm::handleLocalPortAttrs()"));
-   open();
-   context.advance(2);
-   EXPECT_EQ(port.sent->size(), 1u);
-}
-
-TEST_F(ProtocolSmTest, EndOfTheEngineRemovesNeighboursAndSilencesAllPorts) {
-   auto other = engine.port("Ethernet2");
-   open();
-   context.advance(5);
-   receiveLldpdu(1);
-   engine.close();
-   EXPECT_EQ(port.portStatus->remoteSystems(), 0u);
-   EXPECT_EQ(engine.status->remTablesDeletes(), 1u);
-   size_t sent = port.sent->size();
-   context.advance(100);
-   EXPECT_EQ(port.sent->size(), sent);
-   EXPECT_EQ(engine.root->pamCollection()->intfPams(), 0u);
 }
 
 TEST_F(ProtocolSmTest, PacketAccessIsOpenedWithTheFilterAndAllProtocols) {
@@ -301,12 +208,6 @@ TEST_F(ProtocolSmTest, PacketAccessIsOpenedWithTheFilterAndAllProtocols) {
       EXPECT_EQ(Wirekit::sockFilterRun(config.filter, LldpTest::octetsOf(c.frame)) > 0, c.passes)
           << c.what;
    }
-}
-
-TEST_F(ProtocolSmTest, ChildrenOfTheRootAreMadeOnce) {
-   auto dir = engine.root->desiredIntfDir();
-   EXPECT_EQ(engine.root->desiredIntfDirIs("desiredIntfDir"), dir);
-   EXPECT_NE(engine.root->desiredIntfDirIs("another"), dir);
 }
 
 }  // namespace
