@@ -10,9 +10,7 @@
 
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 std::vector<std::string> lines(const std::string& text) {
    std::vector<std::string> found;

@@ -59,12 +59,6 @@ void expectShown(const std::vector<Case>& cases) {
 
 TEST(CliOrganisationTlvs, Ieee8021) {
    expectShown({
-       {[](RemoteSystem& r) {
-           r.portVlanIdIs(7);
-           r.portVlanIdTlvReceivedIs(true);
-        },
-        R"({"portVlanId": 7})",
-        {"Port VLAN ID: 7"}},
        {[](RemoteSystem& r) { r.managementVidTlvReceivedIs(true); },
         R"({"managementVid": 0})",
         {"Management VID: none"}},
@@ -81,19 +75,6 @@ TEST(CliOrganisationTlvs, Ieee8021) {
         },
         R"({"vlanNames": [{"vlanId": 3, "name": "\\x1b[2J\\xff"}, {"vlanId": 20, "name": "voice"}]})",
         {"VLAN name: 3: \\x1b[2J\\xff", "VLAN name: 20: voice"}},
-       {[](RemoteSystem& r) {
-           r.protocolIdentityInfoIs({2, BoundedString255("\x42\x42\x03")});
-           r.protocolIdentityInfoIs({1, BoundedString255("\x88\xcc")});
-        },
-        R"({"protocolIdentities": [{"index": 1, "identity": "88cc"},
-                                   {"index": 2, "identity": "424203"}]})",
-        {"Protocol identity: 88cc", "Protocol identity: 424203"}},
-       {[](RemoteSystem& r) {
-           r.vidUsageDigestIs(0xA0B0C);
-           r.vidUsageDigestTlvReceivedIs(true);
-        },
-        R"({"vidUsageDigest": "0x000a0b0c"})",
-        {"VID usage digest: 0x000a0b0c"}},
    });
 }
 
@@ -141,12 +122,6 @@ TEST(CliOrganisationTlvs, Ieee8023) {
         },
         R"({"linkAggregation": {"capable": true, "enabled": false, "portId": 4294967295}})",
         {"Link aggregation: capable, not enabled, port 4294967295"}},
-       {[](RemoteSystem& r) {
-           r.maximumFrameSizeInfoIs({9236});
-           r.maximumFrameSizeTlvReceivedIs(true);
-        },
-        R"({"maximumFrameSize": 9236})",
-        {"Maximum frame size: 9236"}},
    });
 }
 

@@ -6,8 +6,10 @@
 
 #include "Interface/EthPhyIntfStatus.h"
 #include "Interface/IntfStatus.h"
+#include "Rex/Dir.h"
 #include "cli/Client.h"
 #include "cli/Failure.h"
+#include "model/CliConfig.h"
 #include "model/Config.h"
 #include "model/LocalSystem.h"
 #include "model/Status.h"
@@ -148,14 +150,6 @@ TEST_F(CliShow, NeighborTableInTheOrderOfPortsAndAge) {
              "Ethernet2     two        two         p1       -              98/120  -\n"
              "Ethernet2     two-later  two-later   p1       -              98/120  -\n"
              "Ethernet10/1  ten        ten         p1       -              98/120  -\n");
-}
-
-TEST_F(CliShow, NeighborsOfOnePort) {
-   talkative(ethernet1, 1);
-   bare(ethernet10, 1, "ten");
-   std::string shown = show({"neighbors", "Ethernet10/1"});
-   EXPECT_THAT(shown, HasSubstr("ten"));
-   EXPECT_THAT(shown, Not(HasSubstr("spine-1")));
 }
 
 TEST_F(CliShow, NeighborsInDetail) {

@@ -55,16 +55,6 @@ TEST(CliText, Identifiers) {
    }
 }
 
-TEST(CliText, Capabilities) {
-   Json some = capabilities(0x0014, 0);
-   EXPECT_EQ(some.at("supported"), Json({"Bridge", "Router"}));
-   EXPECT_EQ(some.at("enabled"), Json::array());
-   EXPECT_EQ(listWords(some.at("enabled")), "none");
-   EXPECT_EQ(listWords(capabilities(0xFFFF, 0).at("supported")),
-             "Other, Repeater, Bridge, WLAN AP, Router, Telephone, DOCSIS, Station, C-VLAN, "
-             "S-VLAN, TPMR, Reserved 11, Reserved 12, Reserved 13, Reserved 14, Reserved 15");
-}
-
 TEST(CliText, ManagementAddresses) {
    auto words = [](unsigned family, const Json& address, unsigned numbering, const char* oid) {
       return managementAddressWords(
@@ -99,16 +89,6 @@ std::vector<std::string> printed(const Table& table, std::optional<size_t> width
    std::string line;
    for (std::istringstream in(out.str()); std::getline(in, line);) lines.push_back(line);
    return lines;
-}
-
-TEST(CliText, TableColumnsLineUp) {
-   Table table({{"Port"}, {"Name"}, {"n", Column::Kind::number}, {"Last"}});
-   table.add({"Ethernet1", "交換機", "7", "x"});
-   table.add({"Ethernet10", "", "1234", "yz"});
-   EXPECT_THAT(printed(table, std::nullopt),
-               testing::ElementsAre("Port        Name       n  Last",  //
-                                    "Ethernet1   交換機     7  x",     //
-                                    "Ethernet10  -       1234  yz"));
 }
 
 TEST(CliText, TableFitsTheTerminal) {

@@ -5,10 +5,8 @@
 #include <unistd.h>
 
 #include <fstream>
-#include <set>
 
 #include "Rex/EntityType.h"
-#include "Rex/Utf8.h"
 #include "cli/EventStream.h"
 #include "cli/Failure.h"
 #include "model/Status.h"
@@ -129,80 +127,6 @@ TEST(CliEventStream, EventsComeHoweverTheirOctetsAreCut) {
           for (int i = 0; i < 100; ++i) stream.put(std::string(100'000, 'x'));
        },
        LldpCli::Failure);
-}
-
-// Whether nothing in the text can steer a terminal or hide from its reader.
-bool harmless(std::string_view text) {
-   while (!text.empty()) {
-      Rex::Utf8 next = Rex::decodeUtf8(text);
-      char32_t c = next.character;
-      bool control = (c < 0x20 && c != '\n') || (c >= 0x7F && c < 0xA0);
-      bool unseen = (c >= 0x200B && c <= 0x200F) || (c >= 0x202A && c <= 0x202E) ||
-                    (c >= 0x2060 && c <= 0x206F) || c == 0xFEFF || c == 0xAD || c == 0x61C;
-      if (!next.valid || control || unseen) return false;
-      text.remove_prefix(next.length);
-   }
-   return true;
-}
-
-TEST_F(CliWatch, WhatPeersSayIsHarmlessAndStaysDistinct) {
-   std::vector<std::string> texts{"name",
-                                  "na\\me",
-                                  "\\x1b",
-                                  "%n%s%x",
-                                  "\"quoted\"",
-                                  "'quoted'",
-                                  "two\nlines",
-                                  "two\r\nlines",
-                                  std::string("nul\0nul", 7),
-                                  "\x1b[2J",
-                                  "\x1b]0;title\x07",
-                                  "\b\b\b",
-                                  "\x7f",
-                                  "\xc2\x9b"
-                                  "31m",
-                                  "\x9b"
-                                  "31m",
-                                  "\xff\xfe",
-                                  "\xc0\xaf",
-                                  "\xed\xa0\x80",
-                                  "\xe2\x80",
-                                  "{\"json\": 1}",
-                                  "gr\xc3\xbcn"};
-   for (char32_t c : {0xADu,   0x34Fu,  0x61Cu,  0x200Bu, 0x200Eu, 0x200Fu, 0x2028u,
-                      0x202Au, 0x202Bu, 0x202Cu, 0x202Du, 0x202Eu, 0x2060u, 0x2066u,
-                      0x2067u, 0x2068u, 0x2069u, 0x3164u, 0xFE0Fu, 0xFEFFu}) {
-      std::string utf8;
-      if (c >= 0x800) {
-         utf8 = {static_cast<char>(0xE0 | c >> 12), static_cast<char>(0x80 | (c >> 6 & 0x3F))};
-      } else {
-         utf8 = {static_cast<char>(0xC0 | c >> 6)};
-      }
-      texts.push_back("name" + utf8 + static_cast<char>(0x80 | (c & 0x3F)));
-   }
-   const std::vector<std::vector<std::string>> forms{{"show", "neighbors"},
-                                                     {"show", "neighbors", "detail"},
-                                                     {"show", "neighbors", "--json"},
-                                                     {"watch"},
-                                                     {"watch", "--json"}};
-   std::vector<std::set<std::string>> seen(forms.size());
-   for (const std::string& text : texts) {
-      auto status = oneNeighbor(text);
-      Json changed = neighborEvent(*status);
-      changed["changed"] = {"sysName", "portDesc"};
-      CliFakeAgent agent;
-      agent.serve("l2discovery/lldp/status/local/1", *status);
-      agent.stream("/v1/events", event("neighbor-added", neighborEvent(*status)) +
-                                     event("neighbor-changed", changed));
-      agent.start();
-      for (size_t i = 0; i < forms.size(); ++i) {
-         std::vector<std::string> words = forms[i];
-         words.insert(words.begin(), {"--socket", agent.socketPath()});
-         std::string out = cliRun(words).out;
-         EXPECT_TRUE(harmless(out)) << testing::PrintToString(text);
-         EXPECT_TRUE(seen[i].insert(out).second) << testing::PrintToString(text) << out;
-      }
-   }
 }
 
 // Where only read.sock admits this user. Root would pass by the permissions.

@@ -239,14 +239,4 @@ TEST_F(HostApiStream, TheSocketForReadingIsForGetAlone) {
    EXPECT_EQ(exchange(reader, get("/v1/ticks")), header);
 }
 
-TEST_F(HostApiStream, ASocketHasItsGroup) {
-   const std::string other = folder.path + "/group.sock";
-   gid_t group = getuid() == 0 ? 12345 : getgid();
-   Host::ApiSocket grouped(other, group);
-   struct stat there;
-   ASSERT_EQ(stat(other.c_str(), &there), 0);
-   EXPECT_EQ(there.st_gid, group);
-   EXPECT_EQ(there.st_mode & 0777, 0660u);
-}
-
 }  // namespace

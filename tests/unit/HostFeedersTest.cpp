@@ -223,17 +223,6 @@ class LinksFeederTest : public testing::Test {
    std::optional<OrderSm> order;
 };
 
-TEST_F(LinksFeederTest, startsWithWhatStands) {
-   EXPECT_EQ(feeder->ports(), (std::map<IntfId, std::string>{{IntfId("Ethernet1"), "a"},
-                                                             {IntfId("Ethernet2"), "b"}}));
-   auto phy = order->phy("Ethernet2");
-   EXPECT_EQ(phy->ethAddr(), EthAddr(2, 0, 0, 0, 0, 3));
-   EXPECT_EQ(phy->maxMtu(), 1500);
-   EXPECT_EQ(phy->linkStatus(), Interface::linkUp);
-   EXPECT_EQ(phy->forwardingModel(), 3);
-   EXPECT_EQ(order->all("Ethernet2")->ifIndex(), 3);
-}
-
 TEST_F(LinksFeederTest, rowsComeWholeAndInOrder) {
    Link c = device(9, "c");
    c.alias = "to spine";
