@@ -189,14 +189,6 @@ class Agent:
     def lldp_json(self, *words):
         return json.loads(self.lldp(*words, "--json"))
 
-    def lldp_refuses(self, *words):
-        """What the command says that it cannot do, and its exit status."""
-        done = subprocess.run([LLDP, "--socket", self.socket, *words], capture_output=True,
-                              text=True, timeout=30)
-        (line,) = done.stderr.splitlines()
-        assert not done.stdout, done
-        return done.returncode, line
-
     def watch(self, *words):
         """A watching command, which has to be closed."""
         return Lines(LLDP, "--socket", self.socket, "watch", *words)

@@ -105,6 +105,22 @@ class Bench:
         return self.scene.wire(self.far, device)
 
 
+class Pair:
+    """An agent and an independent peer, each on one end of a cable."""
+
+    def __init__(self, scene, agent_options=(), peer_options=(), spare=()):
+        self.scene = scene
+        self.near, self.far = scene.namespace("near"), scene.namespace("far")
+        devices = ("eth1", *spare)
+        for device in devices:
+            cable(self.near, device, self.far, device)
+        names = {f"Ethernet{number}": device for number, device in enumerate(devices, 1)}
+        self.agent = scene.agent(self.near, names, *agent_options).start()
+        # With a device its address may go, and with that the chassis; the peer soon forgets it.
+        self.agent.configure(messageTxInterval=1, messageTxHoldTime=3)
+        self.peer = scene.peer(self.far, "eth1", *peer_options).start()
+
+
 @pytest.fixture
 def bench(scene):
     return Bench(scene)

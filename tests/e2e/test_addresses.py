@@ -1,31 +1,24 @@
 """Addresses of Linux on the wire, as an independent daemon and an independent dissector see them."""
 
-import subprocess
 import time
 
 import pytest
 
+from conftest import Pair
 from dissector import fields, judge, write
 from frames import split
-from netns import cable, eventually
+from netns import eventually
 
 SPARE = "eth2"  # a cable with nobody at its far end but the test
 
 
-class Switch:
+class Switch(Pair):
     """An agent with a peer on one port and the test's own wire on the other."""
 
     def __init__(self, scene):
-        self.scene = scene
-        self.near, self.far = scene.namespace("near"), scene.namespace("far")
-        for device in ("eth1", SPARE):
-            cable(self.near, device, self.far, device)
+        super().__init__(scene, spare=(SPARE,))
         self.near.up("lo")
-        self.agent = scene.agent(self.near, {"Ethernet1": "eth1", "Ethernet2": SPARE}).start()
-        # With a device its address may go, and with that the chassis; the peer soon forgets it.
-        self.agent.configure(messageTxInterval=1, messageTxHoldTime=3)
         self.agent.lldp("set", "management-address", "all")
-        self.peer = scene.peer(self.far, "eth1").start()
 
     def add(self, address, device=SPARE):
         self.near.ip("addr", "add", address, "dev", device)
@@ -114,25 +107,6 @@ def test_an_address_is_on_every_idle_port_within_a_second(switch):
         change("10.0.0.1/24")
         heard = hear_until(wire, lambda f, t=there: (ip4("10.0.0.1") in told(f)) == t, 3)
         assert heard[-1] and time.monotonic() - began < 1
-
-
-# The primary address goes and returns as a secondary one; the others never leave.
-def test_no_frame_lacks_an_address_that_stays(switch):
-    subprocess.run(switch.near.command("sysctl", "-qw", "net.ipv4.conf.all.promote_secondaries=1"),
-                   check=True)
-    for address in ("10.0.0.1/24", "10.0.0.2/24", "10.0.0.3/24"):
-        switch.add(address)
-    wire = switch.scene.wire(switch.far, SPARE)
-    staying = ip4("10.0.0.3")
-    assert hear_until(wire, lambda f: staying in told(f), 6)[-1]
-    heard = []
-    for _ in range(3):
-        for address in ("10.0.0.1", "10.0.0.2"):
-            switch.remove(f"{address}/24")
-            switch.add(f"{address}/24")
-            heard += hear_until(wire, lambda f, a=address: told(f)[-1:] != [ip4(a)], 1.2)
-    heard = [frame for frame in heard if frame]
-    assert heard and all(staying in told(frame) for frame in heard), [told(f) for f in heard]
 
 
 def test_the_dissector_reads_the_same(switch, tmp_path):

@@ -2,18 +2,12 @@
 
 import pytest
 
-from netns import cable, eventually
+from conftest import Pair
+from netns import eventually
 from peer import DESCRIPTION, NAME
 
 
-class Pair:
-    def __init__(self, scene):
-        self.near, self.far = scene.namespace("near"), scene.namespace("far")
-        cable(self.near, "eth1", self.far, "eth1")
-        self.agent = scene.agent(self.near, {"Ethernet1": "eth1"}).start()
-        self.agent.configure(messageTxInterval=1, messageTxHoldTime=3)
-        self.peer = scene.peer(self.far, "eth1").start()
-
+class SeenPair(Pair):
     def sees_peer(self):
         rows = self.agent.neighbours("Ethernet1")
         return rows[0] if rows else None
@@ -21,7 +15,7 @@ class Pair:
 
 @pytest.fixture
 def pair(scene):
-    made = Pair(scene)
+    made = SeenPair(scene)
     assert eventually(made.sees_peer, 10), made.agent.words()
     return made
 

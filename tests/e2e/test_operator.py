@@ -34,18 +34,6 @@ def test_what_is_shown_can_be_pasted_into_a_fresh_agent(bench, scene):
     assert agent.lldp("show", "config") == "# everything has its default\n"
 
 
-def test_of_several_settings_all_are_made_or_none(bench):
-    agent = bench.agent
-    before = request(agent.socket, "GET", "/v1/config")
-    for words, message in (
-            ("interval 10 hold-time 0", "hold-time: expected a whole number from 1 to 65535"),
-            ("port Ethernet1 status receive interval 0", "interval: expected a whole number from"),
-            ("port Ethernet1-2 status sometimes", "one of both, transmit, receive, disabled")):
-        status, line = agent.lldp_refuses("set", *words.split())
-        assert status == 2 and message in line, line
-    assert request(agent.socket, "GET", "/v1/config") == before
-
-
 def test_a_silenced_port_is_silent_after_a_restart(bench, scene):
     agent = bench.agent
     agent.lldp("set", "port", "Ethernet1", "status", "receive")
@@ -105,18 +93,9 @@ def test_watch(bench, scene):
              "shutdown")
     other.send(frame(MAC, "p", 120, "elsewhere"))
     all_tell(f"neighbor added: elsewhere, {who}", "neighbor-added", "Ethernet2", "elsewhere")
-    wire.send(frame(MAC, "p", 1, "brief"))
-    all_tell(f"neighbor added: brief, {who}", "neighbor-added", "Ethernet1", "brief")
-    all_tell(f"neighbor gone (timed out): brief, {who}", "neighbor-gone", "Ethernet1", "brief",
-             "timedOut")
     assert bench.agent.lldp("clear", "neighbors") == "1 neighbor cleared\n"
     all_tell(f"neighbor gone (cleared): elsewhere, {who}", "neighbor-gone", "Ethernet2",
              "elsewhere", "cleared")
-    wire.send(frame(MAC, "p", 120, "last"))
-    all_tell(f"neighbor added: last, {who}", "neighbor-added", "Ethernet1", "last")
-    bench.agent.lldp("set", "lldp", "off")
-    all_tell(f"neighbor gone (port lost): last, {who}", "neighbor-gone", "Ethernet1", "last",
-             "portLost")
     bench.far.ip("link", "set", "eth2", "down")
     all_tell("port down", "port-down", "Ethernet2")
     bench.far.ip("link", "set", "eth2", "up")
@@ -125,25 +104,6 @@ def test_watch(bench, scene):
     for words in watchers:
         with pytest.raises(EOFError, match="ended, 1"):
             told(words)
-
-
-def test_one_facility_is_traced_for_a_while(bench):
-    agent, wire = bench.agent, bench.wire()
-
-    def send_and_count(name):
-        wire.send(frame(MAC, "p", 120, name))
-        assert eventually(lambda: [row["sysName"]["tlvInfo"] for row in
-                                   agent.neighbours("Ethernet1")] == [name], 3)
-        return agent.words().count("LldpProtocol 6 Chassis ID")
-
-    assert send_and_count("before") == 0
-    agent.lldp("trace", "LldpProtocol", "6")
-    assert agent.lldp("trace", "LldpProtocol").split()[-2:] == ["LldpProtocol", "6"]
-    assert send_and_count("meanwhile") == 1
-    agent.lldp("trace", "LldpProtocol", "off")
-    assert send_and_count("after") == 1
-    status, line = agent.lldp_refuses("trace", "LldpPacket", "all")
-    assert status == 1 and "LldpProtocol" in line, line
 
 
 def test_a_shell_completes_commands_settings_and_ports(bench):

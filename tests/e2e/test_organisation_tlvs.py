@@ -4,9 +4,10 @@ import pytest
 from scapy.contrib.lldp import LLDPDUGenericOrganisationSpecific
 
 from agent import request
+from conftest import Pair
 from dissector import fields, judge, write
 from frames import frame, split
-from netns import cable, eventually
+from netns import eventually
 
 DOT1, DOT3, MED = 0x0080C2, 0x00120F, 0x0012BB
 ROW = "/v1/entity/l2discovery/lldp/cliConfig/cliPortConfig/Ethernet1"
@@ -119,29 +120,21 @@ SHOWN = {
 }
 
 
-class Pair:
-    def __init__(self, scene):
-        self.near, self.far = scene.namespace("near"), scene.namespace("far")
-        cable(self.near, "eth1", self.far, "eth1")
-        self.agent = scene.agent(self.near, {"Ethernet1": "eth1"}).start()
-        self.agent.configure(messageTxInterval=1, messageTxHoldTime=3)
-        self.peer = scene.peer(self.far, "eth1", "-M", "3").start()
-        for line in PEER.strip().splitlines():
-            self.peer.configure(line)
-
-    def shown(self):
-        rows = self.agent.lldp_json("show", "neighbors")["neighbors"]
-        return rows[0] if rows else {}
-
-
 @pytest.fixture
 def pair(scene):
-    return Pair(scene)
+    made = Pair(scene, peer_options=("-M", "3"))
+    for line in PEER.strip().splitlines():
+        made.peer.configure(line)
+    return made
 
 
 def test_the_agent_reads_the_peer(pair):
-    assert eventually(lambda: SHOWN.items() <= pair.shown().items(), 10), pair.shown()
-    row = pair.shown()
+    def shown():
+        rows = pair.agent.lldp_json("show", "neighbors")["neighbors"]
+        return rows[0] if rows else {}
+
+    assert eventually(lambda: SHOWN.items() <= shown().items(), 10), shown()
+    row = shown()
     port = pair.peer.ask("show", "interfaces", "details")["lldp"][0]["interface"][0]["port"][0]
     assert row["macPhy"]["mauTypeName"] == "10GBASE-T"
     assert port["auto-negotiation"][0]["current"][0]["value"].startswith("10GbaseT ")

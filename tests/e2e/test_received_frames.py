@@ -57,39 +57,6 @@ def test_a_frame_of_its_own_is_not_a_neighbour(bench):
     assert rows and names(rows) == {"sent by another"}
 
 
-def test_duplicates(bench):
-    wire = bench.wire()
-    wire.send(frame("02:00:00:00:00:01", "a", name="first"))
-    wire.send(frame("02:00:00:00:00:02", "a", name="other chassis"))
-    wire.send(frame("02:00:00:00:00:01", "b", name="other port"))
-    bench.wire("eth2").send(frame("02:00:00:00:00:01", "a", name="first"))
-    before = learned(bench, count=3)
-    assert before and names(before) == {"first", "other chassis", "other port"}
-    assert learned(bench, "Ethernet2"), "the same sender is another neighbour on another port"
-
-    wire.send(frame("02:00:00:00:00:01", "a", name="first"))
-
-    def refreshed():
-        row = bench.agent.neighbours("Ethernet1")[0]
-        return row if row["lastRefreshTime"] > before[0]["lastRefreshTime"] else None
-
-    after = eventually(refreshed, 3)
-    assert after and after["lastChangeTime"] == before[0]["lastChangeTime"]
-    assert after["expiryTime"] > before[0]["expiryTime"]
-
-    wire.send(frame("02:00:00:00:00:01", "a", name="renamed"))
-    changed = eventually(lambda: "renamed" in names(rows := bench.agent.neighbours("Ethernet1"))
-                         and rows[0], 3)
-    assert changed and changed["lastChangeTime"] > after["lastChangeTime"]
-    assert changed["index"] == after["index"]
-
-
-def test_a_short_life(bench):
-    bench.wire().send(frame(ttl=1, name="brief"))
-    assert learned(bench)
-    assert eventually(lambda: not bench.agent.neighbours("Ethernet1"), 2.5)
-
-
 # Whatever makes a frame untrustworthy as a whole, each once: the neighbour that stands stays as it
 # was, even where the bad frame bears its name.
 def test_frames_that_are_bad_as_a_whole(bench):
@@ -116,23 +83,6 @@ def test_frames_that_are_bad_as_a_whole(bench):
     assert status["rxFramesErrors"] == len(bad)
     assert status["rxTLVsDiscardedTotal"] == 0
     assert bench.agent.neighbours("Ethernet1") == [before]
-
-
-# Errors that cost one part of a frame: the rest of it counts.
-@pytest.mark.parametrize("bad, lost", [
-    (b"\x0b\xff", 1),                                # a length beyond the frame
-    (b"\x0a", 1),                                    # half a header
-    (b"\x0e\x04\x00\x10\x00\x14\x00\x00", 1),      # capabilities in use that it has not
-    (b"\xfe\x04\xaa\xbb\xcc\x00" * 2 + b"\0\0", 2),  # an organisation's subtype 0, twice
-])
-def test_frames_that_are_bad_in_part(bench, bad, lost):
-    bench.wire().send(frame(name="sound")[:-2] + bad)
-    rows = learned(bench)
-    assert rows and names(rows) == {"sound"}
-    status = counted(bench, 1)
-    assert status["rxFramesErrors"] == 1 and status["rxTLVsDiscardedTotal"] == lost
-    assert status["rxFramesDiscardedTotal"] == 0
-    assert not rows[0]["systemCapabilities"]["tlvReceived"]
 
 
 def counted(bench, frames):

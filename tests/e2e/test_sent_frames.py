@@ -66,21 +66,6 @@ def test_a_frame_of_every_basic_part(bench, tmp_path):
     assert fields == [mac, "Ethernet1", "120"]
 
 
-# Over some seconds of life: changes, a neighbour, a link that flaps.
-def test_the_dissector_has_nothing_to_remark(bench, tmp_path):
-    bench.agent.configure(messageTxInterval=1)
-    wire = bench.wire()
-    sent = hear(wire, 2)
-    wire.send(frame(name="a neighbour"))
-    sent += hear(wire, 1)
-    for hold in (1, 65535):
-        bench.agent.configure(messageTxHoldTime=hold)
-        sent.append(heard_with(wire, lambda rows, hold=hold: rows[3] == hold.to_bytes(2, "big")))
-    assert None not in sent
-    fields = judge(tmp_path, sent)
-    assert [row[2] for row in fields] == ["120", "120", "120", "1", "65535"]
-
-
 # 0 on a link that is up would say goodbye in every frame; nothing else ever says it.
 def test_the_agent_never_says_goodbye(bench):
     bench.agent.configure(messageTxInterval=1)

@@ -8,39 +8,11 @@ from agent import Stream, request
 CONFIG = "/v1/entity/l2discovery/lldp/cliConfig"
 
 
-def told(stream):
-    """The next event in short: its name, and what it says beside time and neighbour."""
-    name, data = stream.next()
-    neighbour = data.get("neighbor")
-    words = [name, data.get("port"), neighbour and neighbour["sysName"]["tlvInfo"],
-             data.get("reason") or data.get("changed")]
-    return [word for word in words if word]
-
-
-def test_a_neighbour_that_says_goodbye_itself(bench, scene):
-    events = bench.agent.stream("/v1/events")
-    peer = scene.peer(bench.far, "eth1").start()
-    while (name := events.next()[0]) != "neighbor-added":
-        assert name.startswith("port-")
-    peer.stop()
-    while (last := told(events))[0] == "neighbor-changed":
-        pass
-    assert last == ["neighbor-gone", "Ethernet1", "peer-switch", "shutdown"]
-
-
 def test_any_entity_can_be_followed(bench):
     stream = bench.agent.stream("/v1/stream/l2discovery/lldp/cliConfig")
     bench.agent.configure(messageTxInterval=7)
     assert stream.next() == ("changed", {"path": "l2discovery/lldp/cliConfig/messageTxInterval",
                                          "value": 7})
-
-
-def test_too_many_streams_are_refused(bench):
-    streams = [bench.agent.stream("/v1/events") for _ in range(17)]
-    assert [stream.status for stream in streams] == [200] * 16 + [503]
-    streams[3].close()
-    assert request(bench.agent.socket, "GET", "/v1/paths")[0] == 200
-    assert bench.agent.stream("/v1/events").status == 200
 
 
 def test_the_two_sockets_have_their_groups_and_rights(bench, scene):

@@ -5,18 +5,11 @@ import subprocess
 import pytest
 
 from agent import request
-from netns import cable, eventually
+from conftest import Pair
+from netns import eventually
 
 
-class Switch:
-    def __init__(self, scene, *options):
-        self.near, self.far = scene.namespace("near"), scene.namespace("far")
-        cable(self.near, "eth1", self.far, "eth1")
-        self.agent = scene.agent(self.near, {"Ethernet1": "eth1"}, *options).start()
-        # With a device its address may go, and with that the chassis; the peer soon forgets it.
-        self.agent.configure(messageTxInterval=1, messageTxHoldTime=3)
-        self.peer = scene.peer(self.far, "eth1").start()
-
+class Switch(Pair):
     def port_vlan(self):
         vlans = self.peer.neighbour().get("vlan", [])
         return [vlan["vlan-id"] for vlan in vlans if vlan.get("pvid")]
@@ -37,7 +30,7 @@ class Switch:
 
 # Written by a script, as another agent of the switch would do, for there is no feeder to do it.
 def test_the_port_vlan_from_the_store(scene):
-    switch = Switch(scene, "--feeders", "links,host,addresses")
+    switch = Switch(scene, ("--feeders", "links,host,addresses"))
     assert eventually(switch.peer.neighbour, 6)
     assert switch.port_vlan() == []
     path = "/v1/entity/bridging/config/switchIntfConfig/Ethernet1"

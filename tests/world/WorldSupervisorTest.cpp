@@ -170,34 +170,6 @@ TEST(WorldStop, RunningAgentEndsItsPorts) {
    EXPECT_EQ(a.localSystem()->sysName().value(), "a");
 }
 
-TEST(WorldChassis, StandbyServesItsManagementPortAlone) {
-   World world;
-   auto [first, second] = world.chassis("switch");
-   auto& peer = world.agent("peer");
-   first.redundancyIs(protocolHotStandby, modeActive);
-   second.redundancyIs(protocolHotStandby, modeStandby);
-   second.port("Management2/1").joins(peer.port("Ethernet1"));
-   second.port("Ethernet1/1").joins(peer.port("Ethernet2"));
-   second.start();
-   world.run(10);
-   EXPECT_FALSE(second.agent()->protocolRoot());
-   makeStatusOf(second);
-   world.run(10);
-   EXPECT_TRUE(second.agent()->protocolRoot());
-   EXPECT_TRUE(second.port("Management2/1").status());
-   EXPECT_THAT(second.port("Management2/1").neighbors(), IsEmpty());  // no configuration yet
-
-   first.start();
-   world.run(33);
-   EXPECT_THAT(second.port("Management2/1").neighbors(), ElementsAre("peer Ethernet1"));
-   EXPECT_THAT(peer.port("Ethernet1").neighbors(), ElementsAre("switch Management2/1"));
-   EXPECT_FALSE(second.port("Ethernet1/1").status());
-   EXPECT_THAT(peer.port("Ethernet2").neighbors(), IsEmpty());
-   // The active supervisor knows the port but does not serve it.
-   EXPECT_FALSE(first.status()->portStatusHas(Wirekit::IntfId("Management2/1")));
-   EXPECT_TRUE(second.port("Management2/1").config());
-}
-
 TEST(WorldChassis, StandbyTakesOverInPlace) {
    World world;
    auto [first, second] = world.chassis("switch");
