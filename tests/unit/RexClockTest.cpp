@@ -3,6 +3,8 @@
 
 #include "Rex/Clock.h"
 #include "Rex/Dispatcher.h"
+#include "Rex/Owned.h"
+#include "Rex/StateMachine.h"
 #include "unit/RexFixture.h"
 
 using testing::ElementsAre;
@@ -127,4 +129,47 @@ TEST_F(RexClock, AnExceptionLeavesTheClockSound) {
    fresh->timeMinIs(start);
    EXPECT_EQ(pass(1), 2u);
    EXPECT_THAT(ran, ElementsAre("bad", "fresh", "next"));
+}
+
+namespace {
+
+class TickSm : public Rex::StateMachine {
+ public:
+   explicit TickSm(std::function<void()> then) : then_(std::move(then)) {
+      on(tick_, &TickSm::handleTick);
+      tick_.timeMinIs(0.0);
+   }
+   Rex::Timer& tick() { return tick_; }
+
+ private:
+   void handleTick() {
+      auto then = then_;
+      then();
+   }
+   Rex::Timer tick_{context().clock()};
+   std::function<void()> then_;
+};
+
+}  // namespace
+
+TEST_F(RexClock, AMachinesTimerRunsInItsContextAndEndsWithIt) {
+   Rex::Context second(clock);
+   second.cellId = 2;
+   std::vector<int> cells;
+   Rex::OwnedMachine<TickSm> owned;
+   {
+      Rex::ContextScope inside(second);
+      owned.make([&] {
+         cells.push_back(Rex::Context::current().cellId);
+         owned.get()->tick().timeMinIs(0.0);
+         owned.reset();  // in its own handler
+      });
+   }
+   EXPECT_EQ(pass(1), 1u);
+   EXPECT_EQ(pass(1), 0u);
+   EXPECT_THAT(cells, ElementsAre(2));
+
+   owned.make([&] { cells.push_back(0); });
+   owned.reset();
+   EXPECT_EQ(pass(1), 0u);
 }
