@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 
 #include "Rex/Printable.h"
 #include "cli/AdminStatus.h"
@@ -29,13 +30,18 @@ void putText(Json& view, const char* name, const Json& from) {
    if (std::string words = text(from); !words.empty()) view[name] = words;
 }
 
-Json managementAddresses(const Json& system) {
+// Those that go out, in the order in which they do.
+Json managementAddresses(const Json& system, uint32_t most) {
    Json list = Json::array();
-   for (const Json& address : system.at("managementAddress")) {
-      list.push_back(managementAddress(address));
-   }
    const Json& ip6 = system.at("ip6ManagementAddress");
    if (!octets(ip6.at("key").at("manAddr")).empty()) list.push_back(managementAddress(ip6));
+   const Json& rows = system.at("managementAddress");
+   for (const Json& rank : system.at("managementAddressPrio")) {
+      if (most-- == 0) break;
+      auto row = std::ranges::find_if(
+          rows, [&](const Json& address) { return address.at("key") == rank.at("value"); });
+      if (row != rows.end()) list.push_back(managementAddress(*row));
+   }
    return list;
 }
 
@@ -58,7 +64,8 @@ Json localView(const Json& system, const Json& config, const Json& providers, co
    putText(view, "systemName", system.at("sysName"));
    putText(view, "systemDescription", system.at("sysDesc"));
    view["capabilities"] = capabilities(system.at("sysCapSupported"), system.at("sysCapEnabled"));
-   view["managementAddresses"] = managementAddresses(system);
+   view["managementAddresses"] =
+       managementAddresses(system, config.at("maxTxMgmtAddrs").get<uint32_t>());
    view["timers"] = {{"transmitInterval", config.at("messageTxInterval")},
                      {"holdTime", config.at("messageTxHoldTime")},
                      {"reinitDelay", config.at("reinitDelay")},

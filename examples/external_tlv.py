@@ -5,13 +5,14 @@ long as this runs, and need not know what it means.
     examples/external_tlv.py Ethernet1 0a1b2c 1 "rack 7"
 
 PORT, the organisation as six hexadecimal digits, the subtype, and the text of the TLV. Each line
-that is then typed becomes the new text. LLDP_SOCKET names the agent's socket. Providers keep their
-organisations and subtypes apart: two that ask for the very same TLV on one port end the agent.
+that is then typed becomes the new text. LLDP_SOCKET names the agent's socket. A port that goes and comes
+back has the TLV again from the next change of its text on.
 """
 
 import http.client
 import json
 import os
+import signal
 import socket
 import sys
 
@@ -35,6 +36,7 @@ def main():
     port, oui, subtype, text = sys.argv[1:]
     key = {"oui": {"value": int(oui, 16)}, "subtype": int(subtype), "index": 1}
     row = f"{PROVIDER}/externalTlvPortConfig/{port.replace('/', '%2F')}"
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit())
     ask("PUT", PROVIDER, {"name": "example"})
     try:
         while True:

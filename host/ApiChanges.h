@@ -65,11 +65,13 @@ class ApiChanges {
    Place place(const Statestore::Steps& steps) const;
    Rex::Ptr<Rex::Entity> fresh(const Statestore::Steps& steps) const;
    void requireWritable(const std::string& root) const;
+   void requireOwnTlvs(const Statestore::Steps& steps, const Rex::Json& body);
 
    Statestore::EntityManager& entityManager_;
    const ApiAccess& access_;
    std::map<Statestore::Steps, RowPtr> rows_;       // made by these changes; null: removed by them
    std::map<Statestore::Steps, size_t> rowCounts_;  // of collections, with these changes
+   std::map<std::pair<std::string, std::string>, std::string> providers_;  // by port and TLV key
    std::vector<std::function<void()>> writes_;
 };
 

@@ -34,8 +34,8 @@ void InputSm::watchAddresses() {
    on(cliConfig_, CliConfig::mgmtAddrTxOptionAttr, &InputSm::handleMgmtAddrTxOption);
    on(cliConfig_, CliConfig::mgmtAddrVrfAttr, &InputSm::handleMgmtAddrVrf);
    on(cliConfig_, CliConfig::ip6MgmtAddrIntfNameAttr, &InputSm::handleIp6ManagementAddress);
-   // Ahead of the bridge's address: that one does not ask whether an IPv6 address is told, so that at
-   // the start, and whenever the bridge's address changes, the fallback may stand beside it.
+   // Ahead of the bridge's address: that one does not ask whether an IPv6 address is told, so that
+   // at the start, and whenever the bridge's address changes, the fallback may stand beside it.
    handleIp6ManagementAddress();
 }
 

@@ -89,14 +89,14 @@ void AddressFeeder::write(int32_t ifIndex) {
    auto row = ip_->ipIntfStatus(*intfId);
    bool ip6Row = ip6_->ipIntfStatusHas(*intfId);
    if (addresses.empty() && !row && !ip6Row) return;
-   if (!ranked(ifIndex, *intfId)) return;
-   if (!row && !addresses.ip4.empty()) {
+   if (ip6Row || !addresses.ip6.empty()) writeIp6(*intfId, addresses.ip6);
+   if ((!row && addresses.ip4.empty()) || !ranked(ifIndex, *intfId)) return;
+   if (!row) {
       row = ip_->ipIntfStatusIs(*intfId);
       row->l3StatusIs(Rex::make<L3::Intf::Status>());
       row->l3Status()->vrfIs(vrfOf(ifIndex));
    }
-   if (row) writeIp4(*row, selected(addresses.ip4));
-   if (ip6Row || !addresses.ip6.empty()) writeIp6(*intfId, addresses.ip6);
+   writeIp4(*row, selected(addresses.ip4));
 }
 
 void AddressFeeder::writeIp6(const IntfId& intfId,

@@ -16,10 +16,22 @@ bool isTold(const Ip4Address& address) {
           address.addr.maskLength() != 0;
 }
 
+// The kernel takes one address several times, with different peers.
+auto isSameAs(const Ip4Address& address) {
+   return [address](const Ip4Address& other) {
+      return other.addr == address.addr && other.peer == address.peer;
+   };
+}
+
 }  // namespace
 
+// The kernel puts a secondary address that is promoted behind the primary ones.
 void put(DeviceAddresses& addresses, const Ip4Address& address) {
-   auto at = std::ranges::find(addresses.ip4, address.addr, &Ip4Address::addr);
+   auto at = std::ranges::find_if(addresses.ip4, isSameAs(address));
+   if (at != addresses.ip4.end() && at->secondary && !address.secondary) {
+      addresses.ip4.erase(at);
+      at = addresses.ip4.end();
+   }
    if (at == addresses.ip4.end()) {
       addresses.ip4.push_back(address);
    } else {
@@ -52,10 +64,10 @@ void Addresses::ip4Is(int32_t ifIndex, const Ip4Address& address) {
    changed_.insert(ifIndex);
 }
 
-void Addresses::ip4Del(int32_t ifIndex, const Wirekit::IpAddrWithMask& addr) {
+void Addresses::ip4Del(int32_t ifIndex, const Ip4Address& address) {
    auto at = all_.find(ifIndex);
    if (at == all_.end()) return;
-   std::erase_if(at->second.ip4, [&](const Ip4Address& address) { return address.addr == addr; });
+   std::erase_if(at->second.ip4, isSameAs(address));
    if (at->second.empty()) all_.erase(at);
    changed_.insert(ifIndex);
 }

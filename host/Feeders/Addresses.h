@@ -15,6 +15,7 @@ struct Ip4Address {
    Wirekit::IpAddrWithMask addr;
    bool secondary = false;  // in the network of a primary one that came before
    uint8_t scope = 0;       // 0 for everywhere; higher is narrower (rtnetlink(7))
+   Wirekit::IpAddr peer;    // the other end of a link with two; else the address itself
    bool operator==(const Ip4Address&) const = default;
 };
 
@@ -48,7 +49,7 @@ class Addresses {
    void listenerIs(Listener listener) { listeners_.push_back(std::move(listener)); }
 
    void ip4Is(int32_t ifIndex, const Ip4Address& address);
-   void ip4Del(int32_t ifIndex, const Wirekit::IpAddrWithMask& addr);
+   void ip4Del(int32_t ifIndex, const Ip4Address& address);
    void ip6Is(int32_t ifIndex, const Wirekit::Ip6AddrWithMask& addr);
    void ip6Del(int32_t ifIndex, const Wirekit::Ip6AddrWithMask& addr);
    // Those of a device that has gone.

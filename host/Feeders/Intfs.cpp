@@ -23,6 +23,9 @@ std::set<std::string> Intfs::fedPaths() {
 }
 
 void Intfs::intfIs(const Link& link, const Wirekit::IntfId& intfId) {
+   if (auto at = all_.find(link.ifIndex); at != all_.end()) {
+      intfDel(link.ifIndex, Wirekit::IntfId(at->second));
+   }
    all_[link.ifIndex] = intfId;
    auto status = Rex::make<Interface::IntfStatus>(intfId);
    status->ifIndexIs(link.ifIndex);
@@ -32,11 +35,10 @@ void Intfs::intfIs(const Link& link, const Wirekit::IntfId& intfId) {
    for (const Listener& came : came_) came(link.ifIndex, intfId);
 }
 
-void Intfs::intfDel(int32_t ifIndex) {
+void Intfs::intfDel(int32_t ifIndex, const Wirekit::IntfId& intfId) {
    auto at = all_.find(ifIndex);
-   if (at == all_.end()) return;
-   for (const Listener& goes : goes_) goes(ifIndex, at->second);
-   Wirekit::IntfId intfId = at->second;
+   if (at == all_.end() || at->second != intfId) return;
+   for (const Listener& goes : goes_) goes(ifIndex, intfId);
    all_.erase(at);
    local_->intfStatusDel(intfId);
    everywhere_->intfStatusDel(intfId);

@@ -32,9 +32,11 @@ class Intfs {
       goes_.push_back(std::move(goes));
    }
 
-   // Neither the device nor the name must have a row.
+   // The name must have no row. A row that the device has under another name goes first: it may
+   // have become what another feeder serves before the first one heard of it.
    void intfIs(const Link& link, const Wirekit::IntfId& intfId);
-   void intfDel(int32_t ifIndex);
+   // Does nothing if the device is another interface by now.
+   void intfDel(int32_t ifIndex, const Wirekit::IntfId& intfId);
 
    const std::map<int32_t, Wirekit::IntfId>& all() const { return all_; }
    // Null for a device that is no interface of the switch.

@@ -145,7 +145,7 @@ void LinksFeeder::remove(std::map<int32_t, Port>::iterator at) {
    devicesByPort_.erase(intfId);
    phy_->intfStatusDel(intfId);
    config_->intfConfigDel(intfId);
-   intfs_.intfDel(ifIndex);
+   intfs_.intfDel(ifIndex, intfId);
 }
 
 void LinksFeeder::feedKernelView(const Link* before, const Link* after) {

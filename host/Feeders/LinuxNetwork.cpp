@@ -161,7 +161,7 @@ void LinuxNetwork::handleAddress(const nlmsghdr& message) {
    if (!news) return;
    Addresses& addresses = network_.addresses;
    if (auto* ip4 = std::get_if<Ip4Address>(&news->address)) {
-      if (news->gone) return addresses.ip4Del(news->ifIndex, ip4->addr);
+      if (news->gone) return addresses.ip4Del(news->ifIndex, *ip4);
       return addresses.ip4Is(news->ifIndex, *ip4);
    }
    const auto& ip6 = std::get<Wirekit::Ip6AddrWithMask>(news->address);

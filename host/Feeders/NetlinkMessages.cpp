@@ -109,7 +109,9 @@ std::optional<AddressNews> addressIn(const nlmsghdr& message) {
       const void* value = octets((*found)[own], Wirekit::IpAddr::size);
       if (!value) return std::nullopt;
       Wirekit::IpAddrWithMask addr(Wirekit::IpAddr::fromOctets(value), header->ifa_prefixlen);
-      news.address = Ip4Address{addr, (flags & IFA_F_SECONDARY) != 0, header->ifa_scope};
+      const void* other = octets((*found)[IFA_ADDRESS], Wirekit::IpAddr::size);
+      Wirekit::IpAddr peer = other ? Wirekit::IpAddr::fromOctets(other) : addr.addr();
+      news.address = Ip4Address{addr, (flags & IFA_F_SECONDARY) != 0, header->ifa_scope, peer};
       return news;
    }
    const void* value = octets((*found)[own], Wirekit::Ip6Addr::size);

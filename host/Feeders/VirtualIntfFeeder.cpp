@@ -95,7 +95,7 @@ void VirtualIntfFeeder::add(const Link& link, const Wish& wish) {
 void VirtualIntfFeeder::remove(int32_t ifIndex) {
    auto bearer = bearers_.extract(ifIndex);
    byName_.erase(bearer.mapped().intfId);
-   intfs_.intfDel(ifIndex);
+   intfs_.intfDel(ifIndex, bearer.mapped().intfId);
 }
 
 void VirtualIntfFeeder::addWaiting() {

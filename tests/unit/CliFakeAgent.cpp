@@ -32,7 +32,7 @@ CliFakeAgent::~CliFakeAgent() {
 
 void CliFakeAgent::serve(const std::string& path, const Rex::Entity& entity) {
    std::string target = "/v1/entity/" + path;
-   for (int depth : {0, 1}) {
+   for (int depth : {0, 1, 3}) {
       answer(fmt::format("{}?depth={}", target, depth), "200 OK",
              Rex::entityToJson(entity, depth).dump());
    }

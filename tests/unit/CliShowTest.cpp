@@ -220,12 +220,20 @@ TEST_F(CliShow, Local) {
    Lldp::ManagementAddress ip6;
    ip6.key = {2, Lldp::ManAddress("\x20\x01\x0d\xb8\0\0\0\0\0\0\0\0\0\0\0\1", 16)};
    local->ip6ManagementAddressIs(ip6);
+   // Of those with a rank as many as are to be sent, the first ones first.
+   for (char last : {3, 1, 2}) {
+      Lldp::ManagementAddress::Key key{1, Lldp::ManAddress(std::string("\x0a\0\0", 3) + last)};
+      local->managementAddressIs({key, 2, 9, {}});
+      if (last < 3) local->managementAddressPrioIs({{}, uint32_t(last), 0, {}}, key);
+   }
    config->portConfig(ethernet1)->adminStatusIs(Lldp::AdminStatus::rxOnly);
    EXPECT_EQ(showJson({"local", "Ethernet1"}), Json::parse(R"({"local": {
       "chassis": {"subtype": "macAddress", "id": "02:00:00:00:00:01"}, "systemName": "leaf-1",
       "capabilities": {"supported": ["Bridge", "Router"], "enabled": []},
       "managementAddresses": [{"family": "ipv6", "familyNumber": 2, "address": "2001:db8::1",
-         "interfaceNumbering": "unknown", "interfaceNumber": 0}],
+         "interfaceNumbering": "unknown", "interfaceNumber": 0},
+         {"family": "ipv4", "familyNumber": 1, "address": "10.0.0.1",
+         "interfaceNumbering": "ifIndex", "interfaceNumber": 9}],
       "timers": {"transmitInterval": 30, "holdTime": 120, "reinitDelay": 2, "transmitDelay": 2},
       "ports": [{"port": "Ethernet1", "portId": {"subtype": "interfaceName", "id": "Ethernet1"},
          "adminStatus": "rxOnly", "networkPolicies": []}]}})"));
@@ -248,7 +256,7 @@ TEST_F(CliShow, WhoHasAnExternalTlvSent) {
    EXPECT_EQ(showJson({"local"}).at("local").at("ports").at(1).at("externalTlvs"), Json::parse(R"([
       {"oui": "0a-1b-2c", "subtype": 1, "index": 1, "value": "6869", "providers": ["mine"]}])"));
    EXPECT_THAT(show({"local", "Ethernet2"}),
-               testing::EndsWith("External TLV            0a-1b-2c subtype 1: 6869, from mine\n"));
+               testing::EndsWith("External TLV      0a-1b-2c subtype 1: 6869, from mine\n"));
 }
 
 TEST_F(CliShow, TheTlvsOfAPort) {

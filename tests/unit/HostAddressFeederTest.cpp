@@ -170,7 +170,39 @@ TEST_F(AddressFeederTest, anInterfaceThatCannotBeRanked) {
        logs.front().starts_with("HOST_INTERFACE_NOT_RANKED: The addresses of Ethernet200 "
                                 "(device Ethernet200) are not told"))
        << logs.front();
+   // No rank is asked for here.
+   sw.cliConfig->ip6MgmtAddrIntfNameIs("Ethernet200");
+   EXPECT_EQ(told(), "2001:db8::1");
    sw.network.links.linkDel(20);
+}
+
+TEST_F(AddressFeederTest, theKernelsOrderAndPeers) {
+   auto own = addr<Wirekit::IpAddrWithMask>("10.0.0.1/32");
+   Wirekit::IpAddr far(0x0A000002), other(0x0A000003);
+   sw.network.addresses.ip4Is(2, {own, false, 0, far});
+   sw.network.addresses.ip4Is(2, {own, false, 0, other});
+   sw.network.addresses.ip4Del(2, {own, false, 0, other});
+   EXPECT_EQ(told(), "10.0.0.1") << "with the first peer it stands";
+   sw.network.addresses.ip4Del(2, {own, false, 0, far});
+   sw.ip4(2, "10.0.0.1/24");
+   sw.ip4(2, "10.0.0.2/24", true);
+   sw.ip4(2, "10.1.0.1/16");
+   sw.noIp4(2, "10.0.0.1/24");
+   sw.ip4(2, "10.0.0.2/24");
+   EXPECT_EQ(told(), "10.1.0.1 10.0.0.2") << "promoted, and so behind the other primary one";
+}
+
+// The feeder of ports hears of it first, while that of groups still has the device.
+TEST_F(AddressFeederTest, aGroupThatBecomesAPort) {
+   auto intfs = sw.at<Interface::AllIntfStatusDir>("interface/status/all");
+   auto stand = [&](const char* name) { return intfs->intfStatusHas(IntfId(name)); };
+   sw.network.links.linkIs(device(30, "team", "bond"));
+   EXPECT_TRUE(stand("Port-Channel1"));
+   sw.network.links.linkIs(device(30, "Ethernet30"));
+   EXPECT_TRUE(stand("Ethernet30") && !stand("Port-Channel1"));
+   sw.network.links.linkIs(device(30, "team", "bond"));
+   EXPECT_TRUE(!stand("Ethernet30") && stand("Port-Channel1"));
+   sw.network.links.linkDel(30);
 }
 
 // Looks at what a frame would tell whenever one could be built.

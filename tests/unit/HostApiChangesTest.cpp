@@ -116,9 +116,9 @@ TEST_F(HostApiChanges, AProvidersRowIsReplacedByAWrite) {
                  .status,
              204);
    EXPECT_EQ(standing()->tlvs(), 2u);
-   EXPECT_EQ(change({"DELETE " + row + "/tlv/" + R"({"oui":{"value":0},"subtype":0,"index":1})"})
-                 .status,
-             204);
+   EXPECT_EQ(
+       change({"DELETE " + row + "/tlv/" + R"({"oui":{"value":0},"subtype":0,"index":1})"}).status,
+       204);
    EXPECT_NE(standing(), before);
    EXPECT_EQ(before->tlvs(), 0u);
    ASSERT_EQ(standing()->tlvs(), 1u);
@@ -127,6 +127,21 @@ TEST_F(HostApiChanges, AProvidersRowIsReplacedByAWrite) {
    EXPECT_EQ(change({"PATCH " + row + " {}"}).status, 204);
    EXPECT_NE(standing(), before);
    EXPECT_EQ(standing()->tlvs(), 1u);
+
+   // Two providers may not use one key on a port: one that stands, or one of the same request.
+   const std::string port = "/externalTlvPortConfig/Ethernet";
+   auto asks = [&](const std::string& path, const std::string& index) {
+      return "PUT " + tlvs + path + " {\"tlv\":[" + tlv(index, "c") + "]}";
+   };
+   EXPECT_EQ(change({"PUT " + tlvs + "/other", asks("/other" + port + "1", "2")}).status, 409);
+   EXPECT_EQ(change({"PUT " + tlvs + "/other", asks("/other" + port + "1", "3"),
+                     asks("/provider" + port + "1", "3")})
+                 .status,
+             409);
+   EXPECT_EQ(change({"PUT " + tlvs + "/other", asks("/other" + port + "2", "2"),
+                     asks("/other" + port + "1", "3"), asks("/provider" + port + "1", "2")})
+                 .status,
+             204);
 }
 
 // Rows that a request makes count as those that stand, and those that it removes do not.

@@ -71,7 +71,7 @@ struct FedSwitch : LldpTest::InputFixture {
       network.addresses.ip4Is(ifIndex, {addr<Wirekit::IpAddrWithMask>(text), secondary});
    }
    void noIp4(int32_t ifIndex, const char* text) {
-      network.addresses.ip4Del(ifIndex, addr<Wirekit::IpAddrWithMask>(text));
+      network.addresses.ip4Del(ifIndex, {addr<Wirekit::IpAddrWithMask>(text)});
    }
    void ip6(int32_t ifIndex, const char* text) {
       network.addresses.ip6Is(ifIndex, addr<Wirekit::Ip6AddrWithMask>(text));
