@@ -27,7 +27,8 @@ void handleSkippedManAddrs(const ManagementAddress::Key& key, const Rex::Ptr<Roo
    if (!skipped) return;
    for (auto [intfId, value] : skipped->intf()) {
       const auto& inputSm = root->inputSm();
-      if (auto sm = inputSm ? inputSm->ipIntfStatusSm(intfId) : nullptr) {
+      auto sm = inputSm ? inputSm->ipIntfStatusSm(intfId) : nullptr;
+      if (sm && !sm->closed()) {
          sm->handleActiveAddrWithMask();
       } else {
          skipped->intfDel(intfId);

@@ -32,6 +32,7 @@ class AddressModel {
       std::set<int> addrs6;
       // What has been told.
       bool watched = false;
+      bool starting = false;  // stands for nobody else yet
       bool published = false;
       bool givingUp = false;
       int last = 0;  // the active address that was looked at last
@@ -53,9 +54,10 @@ class AddressModel {
    void start(const Name& name) {
       Intf& intf = intfs[name];
       if (!intf.hasStatus || !intf.number || intf.watched) return;
-      intf.watched = true;
+      intf.watched = intf.starting = true;
       vrfChanged(name);
       if (intf.vrf) vrfChanged(name);  // once more, when its layer-3 side is looked at
+      intf.starting = false;
    }
    void stop(const Name& name) {
       Intf& intf = intfs[name];
@@ -224,7 +226,7 @@ class AddressModel {
       auto waiters = found->second;
       for (auto at = waiters->begin(); at != waiters->end();) {
          Name waiter = *at;
-         if (intfs[waiter].watched) {
+         if (intfs[waiter].watched && !intfs[waiter].starting) {
             activeChanged(waiter);
          } else {
             waiters->erase(waiter);
