@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "Foreign/Ip.h"
 #include "Rex/Dir.h"
 #include "host/PortNames.h"
 #include "model/CliConfig.h"
@@ -24,6 +25,9 @@ void as(const Rex::Json& json, const std::string& path) {
    T value;
    Rex::fromJson(json, value, path);
 }
+
+constexpr const char* rankedForm =
+    "an interface such as Loopback0 to 2100, Vlan1 to 4094 or Ethernet1";
 
 // One whose numbers give it a rank among the interfaces, or whose kind has none.
 void asRankedIntf(const Rex::Json& json, const std::string& path) {
@@ -92,6 +96,11 @@ bool isEntryName(std::string_view text) {
    return Wirekit::IntfId::fromText(text, name);
 }
 
+bool isRankedName(std::string_view text) {
+   Wirekit::IntfId intfId;
+   return Wirekit::IntfId::fromText(text, intfId) && !Lldp::intfRank(intfId).fault;
+}
+
 struct Rows {
    const Rex::Member* collection;
    bool (*isKey)(std::string_view text);
@@ -107,6 +116,7 @@ const Rows* rowsOf(const Rex::Member& collection) {
         4096},
        {Lldp::ExternalTlvConfig::staticType().member("externalTlvPortConfig"),
         PortNames::isPortName, portForm, 4096},
+       {Ip::Status::staticType().member("ipIntfStatus"), isRankedName, rankedForm, 65536},
        {Rex::Dir::staticType().member("entityPtr"), isEntryName,
         "a name of 1 to 64 visible characters", 1024},
    };

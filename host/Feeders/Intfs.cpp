@@ -44,6 +44,13 @@ void Intfs::intfDel(int32_t ifIndex, const Wirekit::IntfId& intfId) {
    everywhere_->intfStatusDel(intfId);
 }
 
+void Intfs::deviceNameIs(int32_t ifIndex, const std::string& name) {
+   const Wirekit::IntfId* intfId = at(ifIndex);
+   if (auto status = intfId ? everywhere_->intfStatus(*intfId) : nullptr) {
+      status->deviceNameIs(Rex::String(name));
+   }
+}
+
 const Wirekit::IntfId* Intfs::at(int32_t ifIndex) const {
    auto at = all_.find(ifIndex);
    return at == all_.end() ? nullptr : &at->second;

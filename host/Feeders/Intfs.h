@@ -35,6 +35,7 @@ class Intfs {
    // The name must have no row. A row that the device has under another name goes first: it may
    // have become what another feeder serves before the first one heard of it.
    void intfIs(const Link& link, const Wirekit::IntfId& intfId);
+   void deviceNameIs(int32_t ifIndex, const std::string& name);
    // Does nothing if the device is another interface by now.
    void intfDel(int32_t ifIndex, const Wirekit::IntfId& intfId);
 

@@ -69,7 +69,12 @@ void VirtualIntfFeeder::sync(int32_t ifIndex) {
    std::optional<Wish> wish = link ? wishOf(*link) : std::nullopt;
    auto at = bearers_.find(ifIndex);
    bool stood = at != bearers_.end();
-   if (stood && wish && *wish == at->second.wish) return;
+   if (stood && wish && wish->isSameIntf(at->second.wish)) {
+      // Under another device name it is the interface that it was, and keeps its addresses.
+      if (wish->device != at->second.wish.device) intfs_.deviceNameIs(ifIndex, wish->device);
+      at->second.wish = *wish;
+      return;
+   }
    if (stood) remove(ifIndex);
    if (!wish) waiting_.erase(ifIndex);
    if (wish) add(*link, *wish);

@@ -26,7 +26,9 @@ class VirtualIntfFeeder {
       std::optional<uint32_t> number;  // that it would like
       bool exact = false;              // it takes no other
       std::string device;
-      bool operator==(const Wish&) const = default;
+      bool isSameIntf(const Wish& other) const {
+         return kind == other.kind && number == other.number && exact == other.exact;
+      }
    };
    struct Bearer {
       Wish wish;

@@ -192,19 +192,6 @@ TEST_F(AddressFeederTest, theKernelsOrderAndPeers) {
    EXPECT_EQ(told(), "10.1.0.1 10.0.0.2") << "promoted, and so behind the other primary one";
 }
 
-// The feeder of ports hears of it first, while that of groups still has the device.
-TEST_F(AddressFeederTest, aGroupThatBecomesAPort) {
-   auto intfs = sw.at<Interface::AllIntfStatusDir>("interface/status/all");
-   auto stand = [&](const char* name) { return intfs->intfStatusHas(IntfId(name)); };
-   sw.network.links.linkIs(device(30, "team", "bond"));
-   EXPECT_TRUE(stand("Port-Channel1"));
-   sw.network.links.linkIs(device(30, "Ethernet30"));
-   EXPECT_TRUE(stand("Ethernet30") && !stand("Port-Channel1"));
-   sw.network.links.linkIs(device(30, "team", "bond"));
-   EXPECT_TRUE(!stand("Ethernet30") && stand("Port-Channel1"));
-   sw.network.links.linkDel(30);
-}
-
 // Looks at what a frame would tell whenever one could be built.
 class FrameSm : public Rex::StateMachine {
  public:
@@ -223,6 +210,34 @@ class FrameSm : public Rex::StateMachine {
    FedSwitch& sw_;
    const std::set<std::string> stay_;
 };
+
+TEST_F(AddressFeederTest, aNewDeviceNameTakesNoAddressAway) {
+   sw.ip4(5, "10.0.0.9/24");
+   EXPECT_EQ(told(), "10.0.0.9");
+   FrameSm frames(sw, {"10.0.0.9"});
+   Link renamed = vlan(5, 100);
+   renamed.name = "office";
+   sw.network.links.linkIs(renamed);
+   EXPECT_EQ(told(), "10.0.0.9");
+   EXPECT_EQ(sw.at<Interface::AllIntfStatusDir>("interface/status/all")
+                 ->intfStatus(IntfId("Vlan100"))
+                 ->deviceName(),
+             "office");
+   frames.close();
+}
+
+// The feeder of ports hears of it first, while that of groups still has the device.
+TEST_F(AddressFeederTest, aGroupThatBecomesAPort) {
+   auto intfs = sw.at<Interface::AllIntfStatusDir>("interface/status/all");
+   auto stand = [&](const char* name) { return intfs->intfStatusHas(IntfId(name)); };
+   sw.network.links.linkIs(device(30, "team", "bond"));
+   EXPECT_TRUE(stand("Port-Channel1"));
+   sw.network.links.linkIs(device(30, "Ethernet30"));
+   EXPECT_TRUE(stand("Ethernet30") && !stand("Port-Channel1"));
+   sw.network.links.linkIs(device(30, "team", "bond"));
+   EXPECT_TRUE(!stand("Ethernet30") && stand("Port-Channel1"));
+   sw.network.links.linkDel(30);
+}
 
 // Every way in which the addresses of an interface can change places, all of them told at once and
 // the news one at a time.
