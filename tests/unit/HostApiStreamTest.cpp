@@ -18,8 +18,11 @@ constexpr const char* header =
     "Connection: close\r\n\r\n";
 
 struct HostApiStream : HostTest::ApiFixture {
-   // Streams that are listened to.
-   std::vector<Host::ApiStream*> streams;
+   // Streams that are listened to. They end with the server, which outlives this part of the
+   // fixture.
+   const std::shared_ptr<std::vector<Host::ApiStream*>> listened =
+       std::make_shared<std::vector<Host::ApiStream*>>();
+   std::vector<Host::ApiStream*>& streams = *listened;
    std::string begin;
 
    HostApiStream() {
@@ -28,7 +31,7 @@ struct HostApiStream : HostTest::ApiFixture {
          answer.stream = [this](Host::ApiStream& stream) -> std::shared_ptr<void> {
             stream.beginIs(begin);
             streams.push_back(&stream);
-            return {&stream, [this](void* gone) { std::erase(streams, gone); }};
+            return {&stream, [all = listened](void* gone) { std::erase(*all, gone); }};
          };
          return answer;
       };
