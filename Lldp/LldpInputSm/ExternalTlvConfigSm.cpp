@@ -70,12 +70,15 @@ void ExternalTlvConfigSm::doAddWanted(const Wirekit::IntfId& intfId) {
    }
 }
 
-bool ExternalTlvConfigSm::doAddTlv(const Wirekit::IntfId& intfId, const UnknownOrgDefTlv& tlv) {
+LocalPort::Ptr ExternalTlvConfigSm::localPortOf(const Wirekit::IntfId& intfId) const {
    auto localPort = root_->localSystem()->localPort(intfId);
-   if (!localPort) {
-      TRACE(trace, 4, "Localport does not exist. Returning");
-      return false;
-   }
+   if (!localPort) TRACE(trace, 4, "Localport does not exist. Returning");
+   return localPort;
+}
+
+bool ExternalTlvConfigSm::doAddTlv(const Wirekit::IntfId& intfId, const UnknownOrgDefTlv& tlv) {
+   auto localPort = localPortOf(intfId);
+   if (!localPort) return false;
    // Two providers that ask for the very same TLV on one port end the process.
    REX_ASSERT_AS(!localPort->unknownOrgDefTlvHas(tlv.key) ||
                      localPort->unknownOrgDefTlv(tlv.key).orgDefInfo != tlv.orgDefInfo,
@@ -86,11 +89,8 @@ bool ExternalTlvConfigSm::doAddTlv(const Wirekit::IntfId& intfId, const UnknownO
 }
 
 bool ExternalTlvConfigSm::doRemoveTlv(const Wirekit::IntfId& intfId, const UnknownOrgDefTlv& tlv) {
-   auto localPort = root_->localSystem()->localPort(intfId);
-   if (!localPort) {
-      TRACE(trace, 4, "Localport does not exist. Returning");
-      return false;
-   }
+   auto localPort = localPortOf(intfId);
+   if (!localPort) return false;
    localPort->unknownOrgDefTlvDel(tlv.key);
    return true;
 }

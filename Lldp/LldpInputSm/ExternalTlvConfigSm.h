@@ -11,6 +11,7 @@
 #include "Rex/HashMap.h"
 #include "Rex/StateMachine.h"
 #include "model/CliConfig.h"
+#include "model/LocalSystem.h"
 
 namespace Lldp::Agent::Input {
 
@@ -40,6 +41,7 @@ class ExternalTlvConfigSm : public Rex::StateMachine {
    void handleExternalTlvPortConfig(const Wirekit::IntfId& intfId);
    void doRemoveUnwanted(const Wirekit::IntfId& intfId);
    void doAddWanted(const Wirekit::IntfId& intfId);
+   Lldp::LocalPort::Ptr localPortOf(const Wirekit::IntfId& intfId) const;
    // Both tell whether there was a port to write to.
    bool doAddTlv(const Wirekit::IntfId& intfId, const UnknownOrgDefTlv& tlv);
    bool doRemoveTlv(const Wirekit::IntfId& intfId, const UnknownOrgDefTlv& tlv);
