@@ -7,6 +7,7 @@
 
 #include "Rex/Printable.h"
 #include "cli/ClearNeighbors.h"
+#include "cli/ClearPhones.h"
 #include "cli/Completion.h"
 #include "cli/ConfigSave.h"
 #include "cli/Failure.h"
@@ -17,6 +18,9 @@
 #include "cli/ShowInterfaces.h"
 #include "cli/ShowLocal.h"
 #include "cli/ShowNeighbors.h"
+#include "cli/ShowPhones.h"
+#include "cli/ShowPolicy.h"
+#include "cli/ShowPower.h"
 #include "cli/ShowStatistics.h"
 #include "cli/Trace.h"
 #include "cli/Watch.h"
@@ -74,12 +78,17 @@ void describe(CLI::App& app, Session& session) {
    addShowLocal(show, session);
    addShowStatistics(show, session);
    addShowInterfaces(show, session);
+   addShowPhones(show, session);
+   addShowPolicy(show, session);
+   addShowPower(show, session);
    addShowConfig(show, session);
    addWatch(app, session);
    addSet(app, session);
    addUnset(app, session);
    addConfigSave(addGroup(app, "config", "the settings as a whole"), session);
-   addClearNeighbors(addGroup(app, "clear", "forgets what was learned"), session);
+   CLI::App& clear = addGroup(app, "clear", "forgets what was learned");
+   addClearNeighbors(clear, session);
+   addClearPhones(clear, session);
    addTrace(app, session);
    addCompletion(app, session);
    addMan(app, session);

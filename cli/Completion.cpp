@@ -131,17 +131,36 @@ Words optionWords(const CLI::App* app) {
    return names;
 }
 
+std::vector<const CLI::Option*> positionals(const CLI::App& command) {
+   return command.get_options([](const CLI::Option* option) { return option->get_positional(); });
+}
+
+// Whether the last argument of a command may be many words.
+bool takesMany(const std::vector<const CLI::Option*>& arguments) {
+   return !arguments.empty() && arguments.back()->get_expected_max() > 1;
+}
+
+// The commands below this one that may follow: where the arguments go on, none behind the first.
+Words commandWords(const Place& place) {
+   Words names;
+   if (!place.arguments.empty() && takesMany(positionals(*place.command))) return names;
+   for (const CLI::App* command : place.command->get_subcommands({})) {
+      names.push_back(command->get_name());
+   }
+   return names;
+}
+
 Words argumentWords(const Place& place, Session& session) {
-   auto all = place.command->get_options(
-       [](const CLI::Option* option) { return option->get_positional(); });
+   auto all = positionals(*place.command);
    if (all.empty()) return {};
-   bool many = all.back()->get_expected_max() > 1;
-   if (place.arguments.size() >= all.size() && !many) return {};
+   if (place.arguments.size() >= all.size() && !takesMany(all)) return {};
    std::string name = all[std::min(place.arguments.size(), all.size() - 1)]->get_name(true);
    if (name == "PORT") return ports(session);
    if (name == "FACILITY") return facilities(session);
    if (name == "LEVELS") return {"all", "off"};
    if (name == "SHELL") return shells();
+   if (name == "PHONE") return {"yes", "no"};
+   if (name != "SETTING") return {};
    Words next = nextWords(place.arguments, place.command->get_name() == "set");
    return next == Words{std::string(Setting::ports)} ? portsBehind(place.word, session) : next;
 }
@@ -160,9 +179,7 @@ Words completions(const CLI::App& app, const Words& words, Session& session) {
    if (place.word.starts_with('-')) {
       found = optionWords(place.command);
    } else {
-      for (const CLI::App* command : place.command->get_subcommands({})) {
-         found.push_back(command->get_name());
-      }
+      found = commandWords(place);
       for (const std::string& word : argumentWords(place, session)) found.push_back(word);
    }
    std::erase_if(found, [&](const std::string& word) {

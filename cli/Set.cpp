@@ -8,6 +8,7 @@
 #include "cli/Agent.h"
 #include "cli/Failure.h"
 #include "cli/Help.h"
+#include "cli/SetPhone.h"
 #include "cli/SettingWords.h"
 
 namespace LldpCli {
@@ -129,8 +130,8 @@ PortSet runUnset(const Words& words, Session& session) {
    return {};
 }
 
-void add(CLI::App& app, Session& session, const char* name, const char* description,
-         PortSet (*run)(const Words&, Session&)) {
+CLI::App& add(CLI::App& app, Session& session, const char* name, const char* description,
+              PortSet (*run)(const Words&, Session&)) {
    auto words = std::make_shared<Words>();
    CLI::App* command = app.add_subcommand(name, description);
    command->fallthrough();
@@ -138,17 +139,23 @@ void add(CLI::App& app, Session& session, const char* name, const char* descript
    auto json = std::make_shared<bool>(false);
    command->add_flag("--json", *json, "answers with JSON, for scripts");
    command->footer(settingsHelp(run == runSet));
-   command->callback([words, json, run, &session] { tell(run(*words, session), *json, session); });
+   command->callback([words, json, run, command, &session] {
+      if (!command->get_subcommands().empty()) return;
+      tell(run(*words, session), *json, session);
+   });
+   return *command;
 }
 
 }  // namespace
 
 void addSet(CLI::App& app, Session& session) {
-   add(app, session, "set", "changes settings, all of a call or none", runSet);
+   CLI::App& set = add(app, session, "set", "changes settings, all of a call or none", runSet);
+   addSetPhone(set, session);
 }
 
 void addUnset(CLI::App& app, Session& session) {
-   add(app, session, "unset", "gives settings their defaults back", runUnset);
+   CLI::App& unset = add(app, session, "unset", "gives settings their defaults back", runUnset);
+   addUnsetPhone(unset, session);
 }
 
 }  // namespace LldpCli

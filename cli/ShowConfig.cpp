@@ -7,7 +7,9 @@
 
 #include "Rex/Printable.h"
 #include "cli/Agent.h"
+#include "cli/Phones.h"
 #include "cli/PortList.h"
+#include "cli/SetPhone.h"
 #include "cli/Settings.h"
 
 namespace LldpCli {
@@ -65,8 +67,21 @@ void printPorts(std::ostream& out, const std::string& collection, const Json& ro
    }
 }
 
+// False where there is another thing than a list of them.
+bool printPhones(std::ostream& out, const Json& attributes) {
+   if (!attributes.is_object() || !attributes.contains("neighbor")) return false;
+   const Json& entries = attributes.at("neighbor");
+   if (attributes.size() != 1 || !entries.is_array()) return false;
+   for (const Json& entry : entries) {
+      out << typedPhone(entry).value_or(fmt::format("# {}: {}", phonesConfigPath, shown(entry)))
+          << "\n";
+   }
+   return true;
+}
+
 void printConfig(std::ostream& out, const Json& config) {
    for (const auto& [path, attributes] : config.items()) {
+      if (path == phonesConfigPath && printPhones(out, attributes)) continue;
       if (path != configPath || !attributes.is_object()) {
          out << fmt::format("# {}: {}\n", Rex::printable(path), shown(attributes));
          continue;

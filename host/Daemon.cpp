@@ -9,10 +9,13 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 
+#include "Foreign/Toggle.h"
 #include "Rex/Dispatcher.h"
 #include "Rex/System.h"
 #include "host/ApiConfig.h"
+#include "host/Feeders/FedEntity.h"
 #include "host/File.h"
 #include "host/LinuxTime.h"
 #include "host/Outlets.h"
@@ -47,6 +50,9 @@ Daemon::Daemon(const Options& options)
       startTime_(Rex::System::currentTime()) {
    context_.cellId = options_.cell;
    context_.runDir = options_.runDir;
+   context_.service<ToggleFolder>().path =
+       options_.config ? std::filesystem::absolute(*options_.config).parent_path().string()
+                       : options_.stateDir;
    watchSignals();
    outletsIs(context_);
    module_.emplace(options_.module);
@@ -98,6 +104,9 @@ void Daemon::startFeeders() {
    feeders_.emplace(Feeders::Setup{agent_->entityManager(), loop_, *names_, options_.feeders,
                                    options_.served(), options_.devices.empty()});
    feeders_->start();
+   auto& manager = *agent_->entityManager();
+   powerFallback_.make(fedEntity<Lldp::Config>(manager, "l2discovery/lldp/config"),
+                       fedEntity<Lldp::CliConfig>(manager, "l2discovery/lldp/cliConfig"));
 }
 
 void Daemon::startApi() {

@@ -8,12 +8,14 @@
 #include "Interface/LinuxPamMaker.h"
 #include "Rex/Context.h"
 #include "Rex/Loop.h"
+#include "Rex/Owned.h"
 #include "host/ApiEntities.h"
 #include "host/ApiServer.h"
 #include "host/ConfigFile.h"
 #include "host/Feeders/Feeders.h"
 #include "host/Module.h"
 #include "host/Options.h"
+#include "host/PowerFallback.h"
 #include "host/Watch/EntityStreams.h"
 #include "host/Watch/LldpEvents.h"
 
@@ -54,6 +56,7 @@ class Daemon {
    std::optional<ConfigFile> configFile_;
    std::optional<PortNames> names_;
    std::optional<Feeders> feeders_;
+   Rex::OwnedMachine<PowerFallback> powerFallback_;
    std::optional<ApiEntities> entities_;
    std::optional<LldpEvents> events_;
    std::optional<EntityStreams> streams_;

@@ -1,5 +1,7 @@
 #include "host/OperatorConfig.h"
 
+#include <algorithm>
+
 #include "Rex/Dispatcher.h"
 #include "host/Settings.h"
 
@@ -10,9 +12,12 @@ namespace {
 struct Root {
    const char* path;
    const char* type;
+   const char* except = nullptr;  // an attribute that is none
 };
 constexpr Root roots[] = {
     {"l2discovery/lldp/cliConfig", "Lldp::CliConfig"},
+    {"identity/nbrClassification/cliConfig", "Identity::NbrClassification::CliConfig",
+     "clearRequest"},
 };
 
 Rex::Json differences(const Rex::Entity& entity, Rex::Entity& fresh);
@@ -114,6 +119,7 @@ Rex::Json OperatorConfig::differences() const {
    for (const Root& root : roots) {
       auto entity = entityManager_->getEntity(root.path);
       Rex::Json differing = Host::differences(*entity, *entity->entityType().create());
+      if (root.except) differing.erase(root.except);
       if (!differing.empty()) all[root.path] = std::move(differing);
    }
    return all;
@@ -123,9 +129,13 @@ std::function<void()> OperatorConfig::decode(const Rex::Json& json) const {
    if (!json.is_object()) throw Rex::JsonError("", "expected an object by path of the store");
    std::vector<std::function<void()>> writes;
    for (const auto& [path, value] : json.items()) {
-      bool known = false;
-      for (const Root& root : roots) known = known || path == root.path;
-      if (!known) throw Rex::JsonError(path, "no such configuration; there is " + knownPaths());
+      auto root = std::ranges::find(roots, path, &Root::path);
+      if (root == std::end(roots)) {
+         throw Rex::JsonError(path, "no such configuration; there is " + knownPaths());
+      }
+      if (root->except && value.is_object() && value.contains(root->except)) {
+         throw Rex::JsonError(Rex::fieldPath(path, root->except), "a request is no configuration");
+      }
       auto entity = entityManager_->getEntity(path);
       writes.push_back(
           [entity, write = decodeWhole(entity->entityType(), value, path)] { write(*entity); });

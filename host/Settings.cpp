@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "Foreign/Ip.h"
+#include "Foreign/NbrClassification.h"
 #include "Rex/Dir.h"
 #include "host/PortNames.h"
 #include "model/CliConfig.h"
@@ -52,6 +53,7 @@ const std::vector<Range>& ranges() {
    const auto& config = Lldp::CliConfig::staticType();
    const auto& port = Lldp::CliPortConfig::staticType();
    const auto& clear = Lldp::RemTablesCliConfig::staticType();
+   const auto& phones = Identity::NbrClassification::CliConfig::staticType();
    const auto& provider = Lldp::ExternalTlvConfig::staticType();
    const auto& tlvs = Lldp::ExternalTlvPortConfig::staticType();
    static const std::vector<Range> all{
@@ -68,6 +70,12 @@ const std::vector<Range>& ranges() {
        {clear, "remTablesClearRequest.requesterName", as<Text<256>>},
        {clear, "remTablesClearRequest.requesterLine", as<Text<256>>},
        {provider, "name", as<Text<64>>},
+       {phones, "neighbor[].classification.flags", as<Number<0, 1>>},
+       {phones, "neighbor[].classification.reserved", as<Number<0, 0>>},
+       {phones, "clearRequest[].key", as<Text<64>>},
+       {phones, "clearRequest[].value.clearedBy", as<Text<256>>},
+       {phones, "clearRequest[].value.clearedOn", as<Text<256>>},
+       {phones, "clearRequest[].value.target", as<Text<256>>},
        {tlvs, "tlv[].key.oui.value", as<Number<0, 0xFFFFFF>>},
        {tlvs, "tlv[].key.subtype", as<Number<0, 255>>},
    };

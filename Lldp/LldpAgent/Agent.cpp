@@ -235,14 +235,17 @@ void Agent::doStartActive() {
    sysDescrIs();
    sysDescrSmIs(entityMibStatus_, sysDescr_);
    const auto& root = inputRoot_;
-   // Here: Power over Ethernet, then network policy.
+   root->poeSmIs(lldpStatusLocal(), localSystem_, poePortStatus_);
+   root->networkPolicySmIs(lldpConfig_, lldpStatusLocal(), localSystem_);
    root->inputSmIs(ethPhyIntfConfigDir_, bridgingConfig_, bridgingHwCapabilities_, ipStatus_,
                    ip6Status_, routingConfig_, sysDescr_, externalTlvs_, netStatus_, cliConfig_,
                    allIntfStatusDir_, root);
    root->standbyEthIntfStatusDirSmDel();
    root->activeEthIntfStatusDirSmIs(ethLagIntfStatusDir_, ethPhyIntfStatusDir_,
                                     bridgingHwCapabilities_, root);
-   // Here: neighbour classification, the other cell's status, the merged status of both cells.
+   root->nbrClassificationSmIs(ethPhyIntfStatusDir_, lldpStatusLocal(), identityCliConfig_,
+                               identityDot1xStatus_, nbrClassficationStatus_);
+   // Here: the other cell's status, the merged status of both cells.
 }
 
 const Protocol::Root::Ptr& Agent::protocolRootIs(const Rex::String& name) {
@@ -275,6 +278,9 @@ void Agent::doCleanup() {
       inputRoot_->standbyEthIntfStatusDirSmDel();
       inputRoot_->inputSmDel();
       inputRoot_->remTablesClearRequestSmDel();
+      inputRoot_->nbrClassificationSmDel();
+      inputRoot_->networkPolicySmDel();
+      inputRoot_->poeSmDel();
       // The interface machines relied on it to the last.
       inputRoot_->identityDot1xStatusSmDel();
    }

@@ -1,5 +1,6 @@
 #include "Lldp/LldpInputSm/CliPortConfigSm.h"
 
+#include "Lldp/LldpInputSm/NetworkPolicy.h"
 #include "Lldp/LldpInputSm/PortConfigSync.h"
 #include "Lldp/LldpInputSm/Root.h"
 #include "Rex/Trace.h"
@@ -19,6 +20,9 @@ CliPortConfigSm::CliPortConfigSm(Lldp::CliPortConfig::PtrConst cliPortConfig,
    on(cliPortConfig_, CliPortConfig::adminStatusAttr, &CliPortConfigSm::handleAdminStatus);
    on(cliPortConfig_, CliPortConfig::poeAllocatedPowerFallbackAttr,
       &CliPortConfigSm::handlePoeAllocatedPowerFallback);
+   on(cliPortConfig_, CliPortConfig::networkPolicyConfigAttr,
+      static_cast<void (CliPortConfigSm::*)(uint8_t)>(
+          &CliPortConfigSm::handleNetworkPolicyCliConfig));
 
    handleInitialized();
 }
@@ -29,6 +33,7 @@ CliPortConfigSm::~CliPortConfigSm() = default;
 void CliPortConfigSm::handleInitialized() {
    TRACE(trace, 8, "CliPortConfigSm::handleInitialized() for " << intfId());
    handleAdminStatus();
+   handleNetworkPolicyCliConfig();
 }
 
 // A port that is made later asks for the row's value itself.
@@ -43,6 +48,26 @@ void CliPortConfigSm::handlePoeAllocatedPowerFallback() {
    TRACE(trace, 8, "CliPortConfigSm::handlePoeAllocatedPowerFallback() for " << intfId());
    if (auto portConfig = root_->config()->portConfig(intfId())) {
       portConfig->poeAllocatedPowerFallbackIs(cliPortConfig_->poeAllocatedPowerFallback());
+   }
+}
+
+void CliPortConfigSm::handleNetworkPolicyCliConfig() {
+   TRACE(trace, 8, "CliPortConfigSm::handleNetworkPolicyCliConfig for " << intfId());
+   doSyncNetworkPolicy();
+}
+
+// One changed row writes them all.
+void CliPortConfigSm::handleNetworkPolicyCliConfig(uint8_t appValue) {
+   TRACE(trace, 8,
+         "CliPortConfigSm::handleNetworkPolicyCliConfig( " << static_cast<int>(appValue) << " for "
+                                                           << intfId());
+   doSyncNetworkPolicy();
+}
+
+void CliPortConfigSm::doSyncNetworkPolicy() {
+   if (auto portConfig = root_->config()->portConfig(intfId())) {
+      portNetworkPolicyConfigIs(portConfig, cliPortConfig_,
+                                root_->localSystem()->localPort(intfId()));
    }
 }
 

@@ -22,6 +22,9 @@ class CliPortConfigSm : public Rex::StateMachine {
    void handleInitialized();
    void handleAdminStatus();
    void handlePoeAllocatedPowerFallback();
+   void handleNetworkPolicyCliConfig();
+   void handleNetworkPolicyCliConfig(uint8_t appValue);
+   void doSyncNetworkPolicy();
    void doClose() override;
 
    const Lldp::CliPortConfig::PtrConst cliPortConfig_;

@@ -4,6 +4,7 @@
 
 #include "Lldp/LldpInputSm/Lag.h"
 #include "Lldp/LldpInputSm/ManAddr.h"
+#include "Lldp/LldpInputSm/NetworkPolicy.h"
 #include "Lldp/LldpInputSm/PortConfigSync.h"
 #include "Lldp/LldpInputSm/Root.h"
 #include "Rex/Assert.h"
@@ -259,7 +260,7 @@ void InputSm::handleEnabled() {
    }
    for (auto [intfId, portConfig] : root_->config()->portConfig()) {
       doSyncPortConfigAdminStatus(portConfig);
-      // Here: the port's network policies.
+      doSyncPortConfigNetworkPolicy(portConfig);
    }
 }
 
@@ -280,7 +281,7 @@ void InputSm::handleCliPortConfig(const Wirekit::IntfId& intfId) {
 void InputSm::doSyncPortConfig(const PortConfig::Ptr& portConfig) {
    TlvSelection(cliConfig_).write(*portConfig);
    doSyncPortConfigAdminStatus(portConfig);
-   // Here: the port's network policies.
+   doSyncPortConfigNetworkPolicy(portConfig);
 }
 
 void InputSm::doSyncPortConfigAdminStatus(const PortConfig::Ptr& portConfig) {
@@ -291,6 +292,13 @@ void InputSm::doSyncPortConfigAdminStatus(const PortConfig::Ptr& portConfig) {
       requested = sm->cliPortConfig()->adminStatus();
    }
    portAdminStatusIs(portConfig, requested, bridgingConfig_, root_);
+}
+
+void InputSm::doSyncPortConfigNetworkPolicy(const PortConfig::Ptr& portConfig) {
+   const Wirekit::IntfId& intfId = portConfig->intfId();
+   auto sm = cliConfig_->enabled() ? cliPortConfigSm(intfId) : nullptr;
+   portNetworkPolicyConfigIs(portConfig, sm ? sm->cliPortConfig() : nullptr,
+                             root_->localSystem()->localPort(intfId));
 }
 
 void InputSm::doSyncLocalPort(const LocalPort::Ptr& localPort) {

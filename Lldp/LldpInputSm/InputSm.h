@@ -48,6 +48,8 @@ class InputSm : public Rex::StateMachine {
    void doSyncPortConfig(const PortConfig::Ptr& portConfig);
    // Its administrative status alone.
    void doSyncPortConfigAdminStatus(const PortConfig::Ptr& portConfig);
+   // Its network policies alone.
+   void doSyncPortConfigNetworkPolicy(const PortConfig::Ptr& portConfig);
    // Fills in a new port's VLAN and the TLVs that others want sent on it.
    void doSyncLocalPort(const LocalPort::Ptr& localPort);
    // Moves a port from what governed it to what governs it now.

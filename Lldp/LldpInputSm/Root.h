@@ -8,9 +8,12 @@
 #include "Lldp/LldpInputSm/ActiveEthIntfStatusDirSm.h"
 #include "Lldp/LldpInputSm/IdentityDot1xStatusSm.h"
 #include "Lldp/LldpInputSm/InputSm.h"
+#include "Lldp/LldpInputSm/NetworkPolicySm.h"
+#include "Lldp/LldpInputSm/PoeSm.h"
 #include "Lldp/LldpInputSm/RemTablesClearRequestSm.h"
 #include "Lldp/LldpInputSm/SkippedAddr.h"
 #include "Lldp/LldpInputSm/StandbyEthIntfStatusDirSm.h"
+#include "Lldp/LldpNbrClassificationSm/NbrClassificationSm.h"
 #include "Rex/Entity.h"
 #include "Rex/Owned.h"
 #include "model/Config.h"
@@ -53,8 +56,11 @@ class Root : public Rex::Entity {
    // The interface's number, or -1 for one that nobody numbered.
    int32_t ifIndex(const Interface::IntfStatus::PtrConst& intfStatus) const;
 
-   // An active supervisor alone has it.
+   // An active supervisor alone has these.
+   REX_MACHINE(PoeSm, poeSm)
+   REX_MACHINE(NetworkPolicySm, networkPolicySm)
    REX_MACHINE(InputSm, inputSm)
+   REX_MACHINE(NbrClassification::NbrClassificationSm, nbrClassificationSm)
    // At most one of the two stands, as the supervisor is active or not.
    REX_MACHINE(ActiveEthIntfStatusDirSm, activeEthIntfStatusDirSm)
    REX_MACHINE(StandbyEthIntfStatusDirSm, standbyEthIntfStatusDirSm)

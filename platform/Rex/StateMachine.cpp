@@ -1,7 +1,5 @@
 #include "Rex/StateMachine.h"
 
-#include <algorithm>
-
 #include "Rex/Context.h"
 
 namespace Rex {
@@ -10,14 +8,16 @@ StateMachine::StateMachine() : context_(Context::current()) {}
 
 StateMachine::~StateMachine() {
    // An owner that did not close leaves at least no reactor behind.
-   for (const auto& entity : watched_) detach(*entity);
+   for (auto [entity, owned] : watched_) detach(*entity);
 }
 
 void StateMachine::close() {
    if (closed_) return;
    closed_ = true;
-   for (const auto& entity : watched_) detach(*entity);
-   watched_.clear();
+   for (auto [entity, owned] : watched_) {
+      detach(*entity);
+      watched_.erase(entity);
+   }
    for (Timer* timer : timers_) timer->cancel();
    timers_.clear();
    doClose();
@@ -28,17 +28,13 @@ void StateMachine::watch(const Entity* entity, uint32_t attribute, const Reactio
    if (!entity->watchers_) entity->watchers_ = std::make_unique<Watchers>();
    entity->watchers_->list.push_back({attribute, this, reaction});
    entity->reckonHeard();
-   Ptr<const Entity> watched(entity);
-   if (std::find(watched_.begin(), watched_.end(), watched) == watched_.end()) {
-      watched_.push_back(watched);
-   }
+   if (!watched_.find(entity)) watched_.insert(entity, Ptr<const Entity>(entity));
 }
 
 void StateMachine::unwatch(const Ptr<const Entity>& entity) {
-   auto at = std::find(watched_.begin(), watched_.end(), entity);
-   if (at == watched_.end()) return;
+   if (!watched_.find(entity.get())) return;
    detach(*entity);
-   watched_.erase(at);
+   watched_.erase(entity.get());
 }
 
 void StateMachine::own(Timer& timer, std::function<void()> run) {

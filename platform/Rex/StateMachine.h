@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "Rex/Entity.h"
+#include "Rex/HashMap.h"
 #include "Rex/Ptr.h"
 #include "Rex/Timer.h"
 #include "Rex/Watchers.h"
@@ -55,12 +56,16 @@ class StateMachine : public PtrInterface {
                (self.*method)(change.key.as<Key>());
             }));
    }
+   // With the change itself, for a machine that watches many entities of one type.
+   template <class E, class Owner, class Key, class Sm>
+   void on(const Ptr<E>& entity, Attr<Owner, Key> attribute, void (Sm::*handler)(const Change&)) {
+      static_assert(std::is_base_of_v<Owner, E>, "the attribute belongs to another entity");
+      watch(entity.get(), attribute.id, reaction(handler, handOver));
+   }
    // Every change of an entity; for readers that are generic over the description.
    template <class Sm>
    void onAny(const Ptr<const Entity>& entity, void (Sm::*handler)(const Change&)) {
-      watch(entity.get(), 0, reaction(handler, [](Sm& self, auto method, const Change& change) {
-               (self.*method)(change);
-            }));
+      watch(entity.get(), 0, reaction(handler, handOver));
    }
    template <class Sm>
    void on(Timer& timer, void (Sm::*handler)()) {
@@ -72,6 +77,9 @@ class StateMachine : public PtrInterface {
    void unwatch(const Ptr<const Entity>& entity);
 
  private:
+   static constexpr auto handOver = [](auto& self, auto method, const Change& change) {
+      (self.*method)(change);
+   };
    // `run` has no state of its own: what differs between two reactions is the method alone.
    template <class Sm, class... Arguments, class Run>
    static Reaction reaction(void (Sm::*method)(Arguments...), Run) {
@@ -91,7 +99,7 @@ class StateMachine : public PtrInterface {
    void detach(const Entity& entity);
 
    Context& context_;
-   std::vector<Ptr<const Entity>> watched_;
+   HashMap<const Entity*, Ptr<const Entity>> watched_;
    std::vector<Timer*> timers_;
    bool closed_ = false;
 };

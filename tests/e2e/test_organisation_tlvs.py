@@ -55,7 +55,7 @@ def test_the_dissector_names_every_part(bench, tmp_path):
         "lldp.ieee.802_3.mdi_power_support.enabled": "1",
         "lldp.ieee.802_3.mdi_power_type": "0",
         "lldp.ieee.802_3.mdi_power_source": "1",
-        "lldp.ieee.802_3.mdi_pde_requested": "0",
+        "lldp.ieee.802_3.mdi_pde_requested": "129",
         "lldp.ieee.802_3.mdi_pse_allocated": "300",
         "lldp.ieee.802_3.aggregation_status.cap": str(int(said["linkAggregation"]["capable"])),
         "lldp.ieee.802_3.aggregated_port_id": str(said["linkAggregation"]["portId"]),
@@ -180,7 +180,7 @@ def test_the_peer_reads_the_agent(pair):
     assert {name: power[name][0]["value"] for name in (
         "device-type", "pairs", "class", "power-type", "requested", "allocated")} == {
         "device-type": "PSE", "pairs": "signal", "class": "class 0", "power-type": "2",
-        "requested": "0", "allocated": "30000"}
+        "requested": "12900", "allocated": "30000"}
     assert seen["lldp-med"] == [{
         "device-type": [{"value": "Network Connectivity Device"}],
         "capability": [{"type": "Capabilities", "available": True}]}]

@@ -346,7 +346,7 @@ TEST_F(CliShow, Interfaces) {
 TEST(CliCommandLine, MisuseIsOneLineAndStatus2) {
    const std::vector<std::pair<std::vector<std::string>, const char*>> cases{
        {{}, "show"},
-       {{"show"}, "neighbors, local, statistics, interfaces, config"},
+       {{"show"}, "neighbors, local, statistics, interfaces, phones, policy, power, config"},
        {{"help"}, "'help' is not expected here: 'lldp' takes show, watch, set,"},
        {{"show", "nothing"}, "'nothing' is not expected here: 'show' takes neighbors, local,"},
        {{"show", "neighbors", "Ethernet1", "Ethernet2"}, "'neighbors' takes detail, PORT, --json"},

@@ -1,4 +1,5 @@
 // Several changes in one request, and attributes that go back to their defaults.
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 
 #include "Rex/Dir.h"

@@ -5,6 +5,7 @@
 
 #include <fstream>
 
+#include "Foreign/NbrClassification.h"
 #include "host/ApiConfig.h"
 #include "host/StartError.h"
 #include "support/Refusal.h"
@@ -27,6 +28,9 @@ const char* const wholeFile = R"({
          },
          "Ethernet4": {} /* a row of defaults */
       }
+   },
+   "identity/nbrClassification/cliConfig": {
+      "neighbor": [{"ethAddr": "02:00:00:00:00:01", "classification": {"flags": 1}}]
    }
 }
 )";
@@ -73,7 +77,12 @@ TEST_F(HostConfig, WhatIsSavedLoadsToTheSame) {
    EXPECT_EQ(store.cliConfig()->messageTxHoldTime(), 120u);
    EXPECT_TRUE(store.cliConfig()->cliPortConfigHas(Wirekit::IntfId("Ethernet4")));
    store.cliConfig()->mgmtAddrVrfIs(L3::VrfName("\xff\n\"", 3));
+   auto phones =
+       store.at<Identity::NbrClassification::CliConfig>("identity/nbrClassification/cliConfig");
+   EXPECT_EQ(phones->neighbor({2, 0, 0, 0, 0, 1}).classification.flags, 1u);
    const std::string before = differences();
+   phones->clearRequestIs("1", {1, "admin", "vty1"});
+   EXPECT_EQ(differences(), before) << "a request is no configuration";
    Host::ConfigFile(file, true).save(config);
 
    HostTest::Store again;
@@ -112,6 +121,11 @@ TEST_F(HostConfig, AFaultIsNamedWithItsLineAndChangesNothing) {
         "name:6: " + cli + ".tlvSysCap: stands in line 3 already"},
        {"{\n\n\"l2discovery/lldp/config\": {} }",
         "name:3: l2discovery/lldp/config: no such configuration; there is " + cli},
+       {"{\"identity/nbrClassification/cliConfig\":{\n\"clearRequest\": []}}",
+        "name:2: identity/nbrClassification/cliConfig.clearRequest: a request is no"},
+       {"{\"identity/nbrClassification/cliConfig\":\n{\"neighbor\": [{\"classification\":\n"
+        "{\"flags\": 2}}]}}",
+        "name:3: identity/nbrClassification/cliConfig.neighbor[0].classification.flags: expected"},
        {head + "\"tlvSysName\": tru\n } }", "name:4: syntax error"},
        {head + "\"tlvSysName\": true\n\n\"tlvPortDesc\": 1 } }", "name:6: syntax error"},
        {head + "\"messageTxInterval\": 1e400 } }", "name:4: number overflow"},

@@ -5,6 +5,7 @@
 #include "Foreign/Toggle.h"
 #include "Rex/Dir.h"
 #include "Rex/EntityType.h"
+#include "Rex/Log.h"
 #include "Statestore/Cell.h"
 #include "Statestore/EntityManager.h"
 #include "unit/RexFixture.h"
@@ -114,22 +115,29 @@ TEST_F(StatestoreTest, LocalEntitiesAreOfOneClientAlone) {
 }
 
 TEST_F(StatestoreTest, TogglesComeFromTheContextTheFileOrTheirDefault) {
-   context.runDir = testing::TempDir();
-   std::string path = context.runDir + "/Toggles.json";
+   context.service<ToggleFolder>().path = testing::TempDir();
+   std::string path = testing::TempDir() + "/Toggles.json";
+   std::vector<std::string> logs;
+   context.logSink = [&](const Rex::LogEvent& event) { logs.push_back(event.text); };
    auto write = [&](const char* text) {
       FILE* file = fopen(path.c_str(), "w");
       fputs(text, file);
       fclose(file);
    };
-   EXPECT_TRUE(getToggleState("a", "NoSuchFile.json", true));
-   write(R"({"a": false, "b": 1})");
+   EXPECT_TRUE(getToggleState("absent", "NoSuchFile.json", true));
+   EXPECT_THAT(logs, testing::ElementsAre(testing::HasSubstr("NoSuchFile.json cannot be read")));
+   logs.clear();
+   write(R"({"a": false, "b": 1, "set": false})");
+   context.toggles["set"] = true;
    EXPECT_FALSE(getToggleState("a", "Toggles.json", true));
    EXPECT_TRUE(getToggleState("b", "Toggles.json", true));
-   context.toggles["a"] = true;
-   EXPECT_TRUE(getToggleState("a", "Toggles.json", false));
+   EXPECT_TRUE(getToggleState("set", "Toggles.json", false));
+   EXPECT_THAT(logs, testing::IsEmpty());
    for (const char* broken : {"", "{", "[1]"}) {
       write(broken);
-      EXPECT_FALSE(getToggleState("c", "Toggles.json", false)) << broken;
+      EXPECT_FALSE(getToggleState("a", "Toggles.json", true)) << "asked before";
+      EXPECT_FALSE(getToggleState(broken, "Toggles.json", false)) << broken;
    }
+   EXPECT_EQ(logs.size(), 3u);
    remove(path.c_str());
 }

@@ -123,6 +123,7 @@ Supervisor::Supervisor(World& world, const std::string& name, int cell,
       context_(world.clock()) {
    context_.cellId = cell;
    context_.runDir = world.folder();
+   context_.toggles["LldpKeepNbrClassificationIntfDown"] = true;
    context_.serviceIs<Statestore::Tree>(store_);
    context_.serviceIs<Interface::PamMaker>(devices_);
    context_.logSink = [this](const Rex::LogEvent& event) {

@@ -1,0 +1,33 @@
+// Keeps each port's list of network policies in line with the operator's rows. The neighbours' side
+// is NetworkPolicyPortStatusSm's.
+#pragma once
+
+#include "Lldp/LldpInputSm/NetworkPolicyPortStatusSm.h"
+#include "Rex/Owned.h"
+#include "Rex/StateMachine.h"
+
+namespace Lldp::Agent::Input {
+
+class NetworkPolicySm : public Rex::StateMachine {
+ public:
+   NetworkPolicySm(Lldp::Config::PtrConst config, Lldp::Status::PtrConst status,
+                   Lldp::LocalSystem::Ptr localSystem);
+   ~NetworkPolicySm() override;
+
+ private:
+   void handleInitialized();
+   void handlePortConfig(const Wirekit::IntfId& intfId);
+   void handlePortConfigPolicy(const Rex::Change& change);
+   void handleNetworkPolicyConfig(const Wirekit::IntfId& intfId);
+   void handleNetworkPolicyPortStatus(const Wirekit::IntfId& intfId);
+   void doClose() override;
+
+   const Lldp::Config::PtrConst config_;
+   const Lldp::Status::PtrConst status_;
+   const Lldp::LocalSystem::Ptr localSystem_;
+   Rex::HashMap<Wirekit::IntfId, Lldp::PortConfig::PtrConst> portConfig_;  // watched
+
+   REX_MACHINES(NetworkPolicyPortStatusSm, networkPolicyPortStatusSm, Wirekit::IntfId)
+};
+
+}  // namespace Lldp::Agent::Input

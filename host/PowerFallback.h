@@ -1,0 +1,23 @@
+// Gives a port that comes the power fallback of its row: the agent takes up a later change of the
+// setting alone, and a saved one is there before the port.
+#pragma once
+
+#include "Rex/StateMachine.h"
+#include "model/CliConfig.h"
+#include "model/Config.h"
+
+namespace Host {
+
+class PowerFallback : public Rex::StateMachine {
+ public:
+   PowerFallback(Lldp::Config::Ptr config, Lldp::CliConfig::PtrConst cliConfig);
+   ~PowerFallback() override;
+
+ private:
+   void handlePortConfig(const Wirekit::IntfId& intfId);
+
+   const Lldp::Config::Ptr config_;
+   const Lldp::CliConfig::PtrConst cliConfig_;
+};
+
+}  // namespace Host
