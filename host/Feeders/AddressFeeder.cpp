@@ -42,6 +42,7 @@ AddressFeeder::AddressFeeder(Statestore::EntityManager& entityManager, Network& 
       intfs_(intfs),
       ip_(fedEntity<Ip::Status>(entityManager, ipPath)),
       ip6_(fedEntity<Ip6::Status>(entityManager, ip6Path)) {
+   sweep();
    for (const auto& [ifIndex, intfId] : intfs.all()) write(ifIndex);
    intfs.listenerIs([this](int32_t ifIndex, const IntfId&) { handleAddresses({ifIndex}); },
                     [this](int32_t, const IntfId& intfId) { handleIntfGoes(intfId); });
@@ -53,6 +54,18 @@ AddressFeeder::AddressFeeder(Statestore::EntityManager& entityManager, Network& 
 
 std::set<std::string> AddressFeeder::fedPaths() {
    return {ipPath, ip6Path};
+}
+
+// Another supervisor may have had interfaces that this one has not.
+void AddressFeeder::sweep() {
+   std::set<IntfId> ours;
+   for (const auto& [ifIndex, intfId] : intfs_.all()) ours.insert(intfId);
+   for (auto [intfId, row] : ip_->ipIntfStatus()) {
+      if (!ours.contains(intfId)) handleIntfGoes(intfId);
+   }
+   for (auto [intfId, row] : ip6_->ipIntfStatus()) {
+      if (!ours.contains(intfId)) ip6_->ipIntfStatusDel(intfId);
+   }
 }
 
 void AddressFeeder::handleAddresses(const std::set<int32_t>& ifIndices) {

@@ -27,6 +27,7 @@ class AddressFeeder {
  private:
    using IntfId = Wirekit::IntfId;
 
+   void sweep();
    void handleAddresses(const std::set<int32_t>& ifIndices);
    void handleLink(const Link* before, const Link* after);
    void handleIntfGoes(const IntfId& intfId);

@@ -219,7 +219,7 @@ class LinksFeederTest : public testing::Test {
  protected:
    LinksFeederTest() {
       links.linksAre(devices({device(2, "a"), device(3, "b"), device(4, "br0", "bridge")}));
-      feeder.emplace(manager, links, served, intfs, names,
+      feeder.emplace(manager, links, served, tables, intfs, names,
                      [](const Link& link) { return "name:" + link.name; });
       order.emplace(*manager);
    }
@@ -228,7 +228,8 @@ class LinksFeederTest : public testing::Test {
    Rex::Ptr<Statestore::EntityManager> manager = Rex::make<Statestore::EntityManager>();
    Links links;
    ServedDevices served;
-   Intfs intfs{*manager};
+   IntfTables tables{*manager};
+   Intfs intfs{tables};
    TestFolder folder;
    PortNames names{{}, folder.path + "/ports.json"};
    std::optional<LinksFeeder> feeder;
@@ -307,8 +308,10 @@ TEST_F(LinksFeederTest, devicesWithOneIdentity) {
    auto tree = std::make_shared<Statestore::Tree>();
    context.context().serviceIs<Statestore::Tree>(tree);
    auto manager = Rex::make<Statestore::EntityManager>();
-   Intfs intfs(*manager);
-   LinksFeeder feeder(manager, twins, served, intfs, fresh, [](const Link&) { return "mac:same"; });
+   IntfTables tables(*manager);
+   Intfs intfs(tables);
+   LinksFeeder feeder(manager, twins, served, tables, intfs, fresh,
+                      [](const Link&) { return "mac:same"; });
    twins.linkIs(device(4, "c", ""));
    EXPECT_EQ(feeder.ports().size(), 3u);
 }
