@@ -197,6 +197,7 @@ void ApiChanges::removeMember(const Change& change) {
       counted = rowCounts_.erase(counted);
    }
    rows_[change.steps] = nullptr;
+   rules_.rowGoes(change.steps);
    bool entry = from.holder->type == &Rex::Dir::staticType();
    writeRow(from.holder, above(change.steps, entry ? 1 : 2),
             [from](Rex::Entity& holder) { from.member->removeKey(holder, from.key); });

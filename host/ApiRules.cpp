@@ -58,7 +58,10 @@ void ApiRules::requireOwnTlvs(const Steps& steps, const Rex::Json& body) {
       for (auto [name, entity] : dir->entityPtr()) {
          auto standing = Rex::dynamicPtr<Lldp::ExternalTlvConfig>(entity);
          auto row = standing ? standing->externalTlvPortConfig(wish->intfId()) : nullptr;
-         if (row && row->tlvHas(key) && name.view() != provider) other = name.stdString();
+         if (!row || !row->tlvHas(key) || name.view() == provider) continue;
+         Steps itsRow = above(steps, 3);
+         itsRow.insert(itsRow.end(), {name.stdString(), steps[steps.size() - 2], port});
+         if (!isGone(itsRow)) other = name.stdString();
       }
       if (other == provider) continue;
       throw ApiError(409,
@@ -68,6 +71,13 @@ void ApiRules::requireOwnTlvs(const Steps& steps, const Rex::Json& body) {
                          port + "; choose another one",
                      "tlv");
    }
+}
+
+bool ApiRules::isGone(const Steps& steps) const {
+   for (size_t last = 0; last < steps.size(); ++last) {
+      if (gone_.contains(above(steps, last))) return true;
+   }
+   return false;
 }
 
 // An address is told with its interface's number, and the agent ends when there is none.

@@ -93,8 +93,9 @@ void IpIntfStatusSm::doMaybeAddNewMgmtAddr() {
    lastMgmtAddr_ = makeManagementAddress(ifIndex, manAddrKey);
 
    // When a secondary is promoted within one reaction, it is gone from the status already.
-   bool secondaryAddressPresent =
-       ipIntfStatus_->secondaryWithMask(active) || secondaryMgmtAddr_.find(active);
+   bool secondaryAddressPresent = ipIntfStatus_->secondaryWithMaskHas(active)
+                                      ? ipIntfStatus_->secondaryWithMask(active)
+                                      : secondaryMgmtAddr_.find(active) != nullptr;
    if (localSystem->managementAddressHas(manAddrKey)) {
       if (!secondaryAddressPresent) {
          TRACE(trace, 8,

@@ -1,6 +1,7 @@
 #include "host/Feeders/Feeders.h"
 
 #include "Rex/Printable.h"
+#include "host/Feeders/FedEntity.h"
 #include "host/StartError.h"
 
 namespace Host {
@@ -43,7 +44,17 @@ void Feeders::activeIs() {
       if (feeds(bridging)) switchportFeeder_.emplace(manager, network_, *intfs_);
       if (feeds(addresses)) addressFeeder_.emplace(manager, network_, *intfs_);
    }
+   if (intfs_ && !feeds(addresses)) guardNumbers();
    if (hostFeeder_) hostFeeder_->activeIs();
+}
+
+// Somebody else tells the addresses. An interface's number must not go before they do.
+void Feeders::guardNumbers() {
+   auto ip = fedEntity<Ip::Status>(*setup_.entityManager, AddressFeeder::ipPath);
+   auto ip6 = fedEntity<Ip6::Status>(*setup_.entityManager, AddressFeeder::ip6Path);
+   intfs_->listenerIs(
+       [](int32_t, const Wirekit::IntfId&) {},
+       [ip, ip6](int32_t, const Wirekit::IntfId& intfId) { withdrawAddresses(*ip, *ip6, intfId); });
 }
 
 void Feeders::startBridging() {

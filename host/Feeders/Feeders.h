@@ -63,6 +63,7 @@ class Feeders {
  private:
    bool feeds(const char* feeder) const { return setup_.enabled.contains(feeder); }
    void startBridging();
+   void guardNumbers();
    void startIntfs();
    void checkDevices() const;
 

@@ -173,6 +173,10 @@ TEST_F(HostApiChanges, AProvidersRowIsReplacedByAWrite) {
                      asks("/other" + port + "1", "3"), asks("/provider" + port + "1", "2")})
                  .status,
              204);
+   // A hand-over.
+   EXPECT_EQ(change({"DELETE " + tlvs + "/provider" + port + "1", asks("/other" + port + "1", "2")})
+                 .status,
+             204);
 }
 
 // Rows that a request makes count as those that stand, and those that it removes do not.
