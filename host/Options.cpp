@@ -36,6 +36,8 @@ While it runs:
       http://switch/v1/entity/l2discovery/lldp/cliConfig
 )";
 
+const std::map<std::string, Role> roles{{"active", Role::active}, {"standby", Role::standby}};
+
 [[noreturn]] void refuse(const char* option, const std::string& value, const std::string& words) {
    throw StartError(std::string(option) + " " + Rex::printable(value) + ": " + words);
 }
@@ -119,6 +121,7 @@ struct Words {
    std::vector<std::string> traces;
    std::vector<std::string> devices;
    std::string config;
+   std::string redundancy;
    std::string feeders = "all";
    std::string readGroup;
    std::string writeGroup;
@@ -143,6 +146,10 @@ void declare(CLI::App& app, Options& options, Words& words) {
          "The switch's name of a device, such as Ethernet1=eth0. Other devices keep a name that is "
          "a port name already, or get the next free Ethernet<n>, for good (see --state-dir)");
    once("--cell", "NUMBER", options.cell, "Number of this supervisor")->check(CLI::Range(1, 2));
+   once("--redundancy", "ROLE", words.redundancy,
+        "active or standby: the role of this supervisor beside another one, where the platform "
+        "has not said it yet")
+       ->check(CLI::IsMember(roles));
    once("--socket", "PATH", options.socket,
         "Socket of the management API; its owner and group may use it");
    once("--write-group", "GROUP", words.writeGroup,
@@ -194,6 +201,7 @@ std::optional<Options> Options::parse(int argc, const char* const* argv) {
    for (const std::string& port : words.ports) takePort(options, port);
    for (const std::string& trace : words.traces) takeTrace(options, trace);
    takeSockets(options, words.readGroup, words.writeGroup);
+   if (!words.redundancy.empty()) options.redundancy = roles.at(words.redundancy);
    if (app.count("--config")) options.config = words.config;
    options.feeders = feedersOf(words.feeders);
    options.devices = {words.devices.begin(), words.devices.end()};

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Wirekit/IntfId.h"
+#include "host/Role.h"
 #include "host/TraceLevels.h"
 
 namespace Host {
@@ -18,6 +19,7 @@ struct Options {
    std::set<std::string> devices;                 // none: every physical one
    std::map<std::string, Wirekit::IntfId> ports;  // the operator's port names, by device
    int cell = 1;
+   std::optional<Role> redundancy;  // where the store knows of none
    std::string socket = "/run/lldp-agentd/api.sock";
    std::optional<gid_t> writeGroup;  // of `socket`; none: the process's own
    std::string readSocket;           // empty: there is none

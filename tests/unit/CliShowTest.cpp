@@ -305,6 +305,32 @@ TEST_F(CliShow, TheTlvsOfAPort) {
                          "Power without a report  15.4 W\n"));
 }
 
+TEST_F(CliShow, OneTableOfBothSupervisors) {
+   auto theirs = Rex::make<Lldp::Status>();
+   auto management = theirs->portStatusIs(Wirekit::IntfId("Management2/1"), 0.0);
+   management->remoteSystemIs(1, msap("spine-1", "p1"));
+   status->portStatusIs(Wirekit::IntfId("Ethernet3"), 0.0);  // which the merged table has lost
+   auto all = Rex::make<Lldp::AllStatus>();
+   all->portStatusIs(management);
+   all->portStatusIs(status->portStatus(ethernet2));
+   all->remTablesInsertsIs(77);
+   agent.serve("l2discovery/lldp/status/all", *all);
+   Json statistics = showJson({"statistics"}).at("statistics");
+   EXPECT_EQ(statistics.at("table").at("inserts"), 77);
+   std::string ports;
+   for (const Json& port : statistics.at("ports"))
+      ports += port.at("port").get<std::string>() + " ";
+   EXPECT_EQ(ports, "Ethernet1 Ethernet2 Ethernet3 Ethernet10/1 Management2/1 ");
+   EXPECT_THAT(show({"neighbors", "Management2/1"}), HasSubstr("spine-1"));
+   EXPECT_THAT(ask({"neighbors", "Ethernet9"}).err, HasSubstr("Ethernet10/1, Management2/1"));
+}
+
+TEST_F(CliShow, OwnTableWhereNobodyKeepsOneOfBoth) {
+   status->remTablesInsertsIs(5);
+   agent.serve("l2discovery/lldp/status/all", *Rex::make<Lldp::AllStatus>());
+   EXPECT_EQ(showJson({"statistics"}).at("statistics").at("table").at("inserts"), 5);
+}
+
 TEST_F(CliShow, Statistics) {
    bare(ethernet2, 1, "two");
    auto port = status->portStatus(ethernet2);
