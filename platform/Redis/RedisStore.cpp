@@ -31,6 +31,12 @@ std::string_view nameOf(Operation::Kind kind) {
    return "";
 }
 
+ChangeResult resultOf(std::string_view answer) {
+   if (answer == "otherLife") return ChangeResult::otherLife;
+   if (answer == "rootStands") return ChangeResult::rootStands;
+   return ChangeResult::made;
+}
+
 // The server is only about to start or busy with somebody else's script: no word on the change.
 bool isForLater(const redisReply& reply) {
    return isError(reply, "LOADING") || isError(reply, "BUSY") || isError(reply, "MASTERDOWN");
@@ -169,7 +175,7 @@ void RedisStore::change(const std::string& life, const std::string& writer, uint
    Next next = unlessError([this, answer](const redisReply& reply) {
       handleGood();
       log_.taken();
-      answer(text(reply) == "otherLife" ? ChangeResult::otherLife : ChangeResult::made);
+      answer(resultOf(text(reply)));
    });
    request(changeScript, words, [this, answer, next](const redisReply& reply) {
       if (!isError(reply) || isForLater(reply)) return next(reply);

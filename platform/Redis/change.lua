@@ -2,7 +2,8 @@
 --
 -- Arguments: the life of the store, the writer, the writer's own number of the change, then for
 -- each operation its kind, the row's path, the field and the value.
--- Answer: the id of the change; or 'otherLife', and then nothing was changed.
+-- Answer: the id of the change; or 'otherLife', or 'rootStands' when a root that it makes stands
+-- already, and then nothing was changed.
 
 local life, writer, number = ARGV[1], ARGV[2], ARGV[3]
 
@@ -17,6 +18,10 @@ redis.call('HLEN', 'state:roots')
 local function key(path) return 'state:row:' .. path end
 local function stands(path) return redis.pcall('HEXISTS', key(path), '.type') == 1 end
 local function isField(field) return field ~= '' and field ~= '.type' end
+
+for i = 4, #ARGV, 4 do
+   if ARGV[i] == 'make' and ARGV[i + 1] == '' and stands(ARGV[i + 2]) then return 'rootStands' end
+end
 
 -- Removes a row and all below it.
 local function wipe(path)
