@@ -1,6 +1,7 @@
 // A client of a state store in Redis, on a loop of a test's own.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <sys/epoll.h>
 #include <sys/timerfd.h>
 #include <unistd.h>
