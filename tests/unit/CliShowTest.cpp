@@ -38,6 +38,7 @@ class CliShow : public testing::Test {
       for (const auto& port : {ethernet10, ethernet2, ethernet1}) {
          status->portStatusIs(port, now - 500);
          config->portConfigIs(port)->adminStatusIs(Lldp::AdminStatus::txAndRx);
+         config->portConfig(port)->mgmtAddrTxEnableIs(true);
          local->localPortIs(port)->portIdentifierIs(
              {Lldp::PortIdSubtype::interfaceName, Lldp::PortId(port.stringValue())});
       }
@@ -246,6 +247,7 @@ TEST_F(CliShow, Local) {
 
 TEST_F(CliShow, WhoHasAnExternalTlvSent) {
    const Lldp::UnknownOrgDefTlv tlv{{{0x0A1B2C}, 1, 1}, Lldp::BoundedString507("hi", 2)};
+   const Lldp::UnknownOrgDefTlv last{{{0x001B21}, 2, 1}, Lldp::BoundedString507("ack", 3)};
    for (const char* name : {"mine", "lost"}) {
       auto provider = Rex::make<Lldp::ExternalTlvConfig>();
       auto row = provider->externalTlvPortConfigIs(ethernet2);
@@ -253,10 +255,16 @@ TEST_F(CliShow, WhoHasAnExternalTlvSent) {
       externalTlvs->entityPtrIs(name, provider);
    }
    local->localPort(ethernet2)->unknownOrgDefTlvIs(tlv);
+   local->localPort(ethernet2)->unknownOrgDefTlvIs(last);
    EXPECT_EQ(showJson({"local"}).at("local").at("ports").at(1).at("externalTlvs"), Json::parse(R"([
-      {"oui": "0a-1b-2c", "subtype": 1, "index": 1, "value": "6869", "providers": ["mine"]}])"));
-   EXPECT_THAT(show({"local", "Ethernet2"}),
-               testing::EndsWith("External TLV      0a-1b-2c subtype 1: 6869, from mine\n"));
+      {"oui": "00-1b-21", "subtype": 2, "index": 1, "value": "61636b", "providers": [],
+       "sent": true},
+      {"oui": "0a-1b-2c", "subtype": 1, "index": 1, "value": "6869", "providers": ["mine"],
+       "sent": false}])"));
+   EXPECT_THAT(
+       show({"local", "Ethernet2"}),
+       testing::EndsWith("External TLV      00-1b-21 subtype 2: 61636b\n"
+                         "External TLV      0a-1b-2c subtype 1: 6869, from mine, not sent\n"));
 }
 
 TEST_F(CliShow, TheTlvsOfAPort) {
