@@ -44,6 +44,24 @@ struct KeyOf : Member {
    T Owner::*at;
 };
 
+// Reads a value in its own JSON: also the default of one that has a part without a JSON to be read,
+// an enumeration that has no name for zero.
+template <class T>
+T fromOwnJson(const Json& json, const std::string& path) {
+   T value{};
+   if constexpr (DescribedStruct<T>) {
+      try {
+         fromJson(json, value, path);
+      } catch (const JsonError&) {
+         if (json != Rex::toJson(T{})) throw;
+         value = T{};
+      }
+   } else {
+      fromJson(json, value, path);
+   }
+   return value;
+}
+
 // Writes go through the setter, found through the member's own write function.
 template <class Owner, class T>
 struct ScalarOf : Member {
@@ -52,8 +70,7 @@ struct ScalarOf : Member {
        : Member(m.name, m.attr.id, MemberKind::scalar), at(m.member), set(m.set) {}
    Json toJson(const Entity& e) const override { return Rex::toJson(in<Owner>(e).*at); }
    Write decode(const Json& json, const std::string& path) const override {
-      T value{};
-      fromJson(json, value, path);
+      T value = fromOwnJson<T>(json, path);
       return [set = set, value](Entity& e) { set(in<Owner>(e), value); };
    }
    T Owner::*at;

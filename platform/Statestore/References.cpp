@@ -34,6 +34,11 @@ std::string References::waitsFor(const PlaceName& place) const {
    return at == waiting_.end() ? std::string() : at->second;
 }
 
+void References::dangles(const PlaceName& place, const Rex::Ptr<Rex::Entity>& entity) {
+   endWait(place);
+   due_.push_back({place, {}, entity});
+}
+
 void References::handleCame(const std::string& row) {
    auto awaited = awaited_.find(row);
    if (awaited == awaited_.end()) return;

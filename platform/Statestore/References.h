@@ -27,10 +27,14 @@ class References {
    // What a waiting place waits for; empty when it does not.
    std::string waitsFor(const PlaceName& place) const;
 
+   // A place points to an entity that has no row (any more).
+   void dangles(const PlaceName& place, const Rex::Ptr<Rex::Entity>& entity);
+
    void handleCame(const std::string& row);
    void handleGone(const std::string& row, const Rex::Ptr<Rex::Entity>& entity);
 
-   // A place to be looked at again, since its target came or, with `gone`, went.
+   // A place to be looked at again, since its target came or, with `gone`, went. Without a target
+   // it is to be empty.
    struct Due {
       PlaceName place;
       std::string target;

@@ -65,21 +65,20 @@ void RowBuilder::fill(Rex::Entity& entity, const std::string& path, const std::s
       case Rex::MemberKind::values:
       case Rex::MemberKind::mapping:
          return member.decodeElement(place->key, parseValue(value), {})(entity);
-      case Rex::MemberKind::references:
-      case Rex::MemberKind::pointer:
-         if (auto target = References::fromText(value)) {
-            pointing_.push_back({{path, field}, *place, *target});
-            return;
-         }
-         if (value == "null") return;
-         [[fallthrough]];
-      case Rex::MemberKind::children: {
-         auto child = build(entity, *place, path + '/' + field, level + 1);
-         if (child && !member.put(entity, place->key, child)) {
-            built_.erase(path + '/' + field);
-            throw Rex::JsonError("", "no row of that type stands there");
-         }
-      }
+      default:
+         break;
+   }
+   const std::string below = path + '/' + field;
+   if (images_.at(below) && member.kind != Rex::MemberKind::references) {
+      auto child = build(entity, *place, below, level + 1);
+      if (!child || member.put(entity, place->key, child)) return;
+      built_.erase(below);
+      throw Rex::JsonError("", "no row of that type stands there");
+   }
+   if (auto target = References::fromText(value)) {
+      pointing_.push_back({{path, field}, *place, *target});
+   } else if (value != "null") {
+      throw Rex::JsonError("", "expected a row, or a path");
    }
 }
 

@@ -27,7 +27,8 @@ void RowImages::apply(const Operation& operation) {
       case Operation::Kind::make:
          wipe(path);
          rows_[path].type = operation.value;
-         if (holder != rows_.end()) holder->second.fields[operation.field] = operation.value;
+         if (holder != rows_.end())
+            holder->second.fields[operation.field] = '"' + operation.value + '"';
          return;
       case Operation::Kind::remove:
          wipe(path);

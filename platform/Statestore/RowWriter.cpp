@@ -87,7 +87,11 @@ std::string RowWriter::valueOf(RowSm& row, const std::string& field, const Place
       table_.references.points(name, target->path());
       return References::toText(target->path());
    }
-   table_.references.endWait(name);
+   if (value.entity) {
+      table_.references.dangles(name, value.entity);
+   } else {
+      table_.references.endWait(name);
+   }
    return {};
 }
 

@@ -126,6 +126,7 @@ void TreeWriter::settle(const References::Due& due) {
       }
       if (!table_.at(due.target)) return;
    }
+   if (due.target.empty()) return remove(*row, *place);
    point(*row, *place, due.target);
 }
 

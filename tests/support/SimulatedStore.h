@@ -40,6 +40,7 @@ class SimulatedStore {
       // Ends for good: the client is gone.
       void leave();
 
+      std::string name;
       size_t changes = 0;     // that it asked for
       size_t operations = 0;  // in them
 

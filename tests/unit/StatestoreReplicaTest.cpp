@@ -29,6 +29,8 @@ struct StatestoreReplicaTest : RexFixture {
    }
    static void addNeighbour(Lldp::PortStatus& made, int index) {
       Lldp::RemoteSystem::Msap msap;
+      msap.chassisIdentifier.subtype = Lldp::ChassisIdSubtype::local;
+      msap.portIdentifier.subtype = Lldp::PortIdSubtype::local;
       msap.portIdentifier.value = Lldp::PortId(Rex::String(std::to_string(index)));
       auto neighbour = made.remoteSystemIs(index, msap);
       neighbour->ttlIs(120);
