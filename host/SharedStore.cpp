@@ -1,0 +1,62 @@
+#include "host/SharedStore.h"
+
+#include <fmt/format.h>
+
+#include <random>
+
+#include "Rex/Timer.h"
+#include "host/KnownPaths.h"
+#include "host/StartError.h"
+
+namespace Host {
+namespace {
+
+Redis::StoreUrl resolved(const Redis::StoreUrl& url) {
+   try {
+      return url.resolved();
+   } catch (const Redis::StoreUrlError& error) {
+      throw StartError(std::string("--store: ") + error.what());
+   }
+}
+
+// No other process has it, nor this one when it ran before.
+std::string writerName() {
+   std::random_device random;
+   return fmt::format("{:08x}{:08x}", random(), random());
+}
+
+}  // namespace
+
+SharedStore::SharedStore(Rex::Loop& loop, Rex::Context& context, const Redis::StoreUrl& url)
+    : loop_(loop),
+      context_(context),
+      text_(url.text()),
+      store_(loop, resolved(url), std::random_device()()),
+      replica_(store_, writerName()) {}
+
+void SharedStore::load(Statestore::EntityManager& manager, std::function<void(bool)> then) {
+   std::vector<std::string> paths;
+   for (const KnownPath& known : knownPaths()) {
+      manager.entityIs(known.path, known.type);
+      paths.push_back(known.path);
+   }
+   replica_.loaded(paths, std::move(then));
+}
+
+void SharedStore::flush(double longest) {
+   constexpr double step = 0.01;  // seconds between two looks
+   Rex::Timer look(context_.clock());
+   double end = context_.clock()->now() + longest;
+   look.handlerIs(nullptr, [&] {
+      if (replica_.idle() || context_.clock()->now() >= end) return loop_.stop();
+      look.timeMinIs(context_.clock()->now() + step);
+   });
+   look.timeMinIs(0);
+   loop_.run(context_);
+}
+
+Rex::Json SharedStore::describe() const {
+   return {{"url", text_}, {"connected", store_.up()}, {"refused", replica_.refused()}};
+}
+
+}  // namespace Host

@@ -1,0 +1,43 @@
+// The state store that this process shares with others: has the tree of the present context follow
+// it, and is followed by it.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "Redis/RedisStore.h"
+#include "Rex/Context.h"
+#include "Rex/Loop.h"
+#include "Statestore/EntityManager.h"
+#include "Statestore/Replica.h"
+
+namespace Host {
+
+class SharedStore {
+ public:
+   // Begins to connect. Nobody may have written into the tree yet. Throws StartError when the URL's
+   // host has no address.
+   SharedStore(Rex::Loop& loop, Rex::Context& context, const Redis::StoreUrl& url);
+
+   // Makes every known entity, and calls `then` when what the store holds of them was read, however
+   // late that is: as a handler, with false when an entity of another type stands at one of the
+   // paths.
+   void load(Statestore::EntityManager& manager, std::function<void(bool)> then);
+
+   // The role is lost: nothing goes out any more, and nothing comes in.
+   void detach() { replica_.detach(); }
+   // Runs the loop until all that was written is in the store, but no longer than these seconds.
+   void flush(double longest);
+
+   // The URL without its password, and whether the store answers.
+   Rex::Json describe() const;
+
+ private:
+   Rex::Loop& loop_;
+   Rex::Context& context_;
+   const std::string text_;
+   Redis::RedisStore store_;
+   Statestore::Replica replica_;
+};
+
+}  // namespace Host
