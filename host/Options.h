@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "Redis/StoreUrl.h"
 #include "Wirekit/IntfId.h"
 #include "host/Role.h"
 #include "host/TraceLevels.h"
@@ -26,7 +27,8 @@ struct Options {
    std::optional<gid_t> readGroup;   // there is one exactly if there is a socket for reading
    std::string runDir = "/run/lldp-agentd";
    std::string stateDir = "/var/lib/lldp-agentd";
-   std::optional<std::string> config;  // file of the operator's configuration; none: stateDir's
+   std::optional<std::string> config;     // file of the operator's configuration; none: stateDir's
+   std::optional<Redis::StoreUrl> store;  // shared with other processes; none: the embedded one
    std::vector<TraceSetting> trace;
    std::set<std::string> feeders;  // those that run, see Feeders::all()
    std::string module;             // empty: the one that belongs to the program
