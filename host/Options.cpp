@@ -157,7 +157,7 @@ void declare(CLI::App& app, Options& options, Words& words) {
         "Folder of what is kept across boots: the ports' names, the configuration");
    once("--config", "FILE", words.config,
         "File of the operator's configuration, which has to exist (default: config.json in the "
-        "folder of --state-dir, which may be missing)");
+        "folder of --state-dir, which may be missing). Lldp.json beside it turns feature toggles");
    often("--trace", "FACILITY=LEVELS", words.traces,
          "Traces to standard error: levels 0 to 9 with commas between, or all");
    once("--feeders", "LIST", words.feeders,
