@@ -193,7 +193,7 @@ void declare(CLI::App& app, Options& options, Words& words) {
         "Folder of what is kept across boots: the ports' names, the configuration");
    once("--config", "FILE", words.config,
         "File of the operator's configuration, which has to exist (default: config.json in the "
-        "folder of --state-dir, which may be missing)");
+        "folder of --state-dir, which may be missing). Lldp.json beside it turns feature toggles");
    once("--store", "URL", words.store,
         "State store to share with other processes, a Redis server: "
         "redis://[[user]:password@]host[:port][/database] or unix:/path[?database=N] (default: "

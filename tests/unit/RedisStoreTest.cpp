@@ -363,6 +363,36 @@ TEST_F(RedisStoreTest, RetriesAreBounded) {
                ElementsAre(AllOf(HasSubstr("STATE_STORE_NOT_REACHED"), HasSubstr("No such file"))));
 }
 
+// The client may let go of the store whenever it is told something.
+TEST_F(RedisStoreTest, TheStoreMayGoWhileItTells) {
+   struct Brief : Statestore::StoreClient {
+      std::unique_ptr<Redis::RedisStore> store;
+      std::string until;
+      void handleUp() override {
+         if (until == "up") return store.reset();
+         store->load({}, [this](const Statestore::Snapshot& snapshot) {
+            if (until == "loaded") return store.reset();
+            store->change(snapshot.life, "brief", 1, {}, [](ChangeResult) {});
+         });
+      }
+      void handleDown() override { store.reset(); }
+      void handleNews() override { until == "news" ? store.reset() : server->stop(); }
+      void handleEmptied() override {}
+      LldpTest::RedisServer* server = nullptr;
+   };
+   for (const char* until : {"up", "loaded", "news", "down"}) {
+      server.start();
+      Brief brief;
+      brief.until = until;
+      brief.server = &server;
+      auto url = Redis::StoreUrl::parse("unix:" + server.socket);
+      brief.store = std::make_unique<Redis::RedisStore>(loop, url, 1);
+      brief.store->start(brief);
+      EXPECT_TRUE(client.until([&] { return !brief.store; })) << until;
+      server.stop();
+   }
+}
+
 TEST_F(RedisStoreTest, PasswordsAndDatabases) {
    server.start({"--requirepass", "right", "--databases", "2", "--user", "agent", "on", ">own",
                  "~*", "&*", "+@all"});
