@@ -51,7 +51,9 @@ ApiAnswer ApiResources::dispatch(const ApiRequest& request) const {
           403, "this socket is for GET alone; what changes something goes to " + writeSocket_);
    }
    ApiTarget target = ApiTarget::parse(request.target);
-   const ApiResource& resource = resourceOf("/" + Statestore::encodePath(target.steps));
+   std::string path = "/" + Statestore::encodePath(target.steps);
+   if (!refusal_.empty() && path != always) throw ApiError(503, refusal_);
+   const ApiResource& resource = resourceOf(path);
    for (const auto& [name, value] : target.parameters) {
       if (contains(resource.parameters, name)) continue;
       throw ApiError(400, "unknown parameter '" + Rex::printable(name) + "'", name);

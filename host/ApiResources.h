@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/ApiMessage.h"
@@ -27,6 +28,10 @@ class ApiResources {
    // {"error": {"path": ..., "field": ..., "message": ...}}. Called outside any handler.
    ApiAnswer serve(const ApiRequest& request) const;
 
+   // Why nothing but one resource is served yet; empty when all are.
+   void refusalIs(const std::string& words) { refusal_ = words; }
+   static constexpr std::string_view always = "/v1/agent";
+
    static ApiAnswer refusal(const std::string& target, const ApiError& error);
 
    // Where to go with a request that came through the socket for reading and is to change
@@ -39,6 +44,7 @@ class ApiResources {
 
    std::vector<ApiResource> resources_;
    std::string writeSocket_;
+   std::string refusal_;
 };
 
 // The body of a request. Throws ApiError when it is no JSON, or not as JsonText wants it.

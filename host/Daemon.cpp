@@ -32,6 +32,9 @@ Rex::Ptr<Rex::Clock> makeClock(const Options& options) {
    return Rex::make<Rex::Clock>(std::make_shared<LinuxTime>(options.runDir));
 }
 
+// Seconds that a process which is to end waits for the store to take what it has still to say.
+constexpr double longestFlush = 2;
+
 sigset_t stopSignals() {
    sigset_t set;
    sigemptyset(&set);
@@ -68,11 +71,9 @@ Daemon::Daemon(const Options& options)
    checkPlatform();
    pamMaker_ = std::make_shared<Interface::LinuxPamMaker>(loop_);
    context_.serviceIs<Interface::PamMaker>(pamMaker_);
+   if (options_.store) store_.emplace(loop_, context_, *options_.store);
    agent_ = module_->makeAgent("Lldp");
-   startRedundancy();
-   loadConfig();
-   startFeeders();
-   startApi();
+   openApi();
 }
 
 Daemon::~Daemon() {
@@ -92,54 +93,90 @@ void Daemon::checkPlatform() const {
    close(fd);
 }
 
+// Whoever asks meanwhile is told what the agent waits for.
+bool Daemon::waitForStore() {
+   const std::string words = "waiting for the state store at " + options_.store->text();
+   resources_.refusalIs("the agent is " + words + "; its log tells why");
+   sd_notify(0, ("READY=1\nSTATUS=" + words).c_str());
+   std::optional<bool> asExpected;
+   store_->load(*agent_->entityManager(), [&](bool ofTheirTypes) {
+      asExpected = ofTheirTypes;
+      loop_.stop();
+   });
+   if (!asExpected) loop_.run(context_);
+   if (asExpected == false) {
+      throw StartError("the state store at " + options_.store->text() +
+                       " has something else where the agent has its state; the log tells where");
+   }
+   resources_.refusalIs({});
+   return asExpected.has_value();
+}
+
 // Before the agent asks for its mounts, at whose end it looks at its role.
 void Daemon::startRedundancy() {
    auto& manager = *agent_->entityManager();
    auto restart = [this](Role role) {
+      if (store_) store_->detach();
       restartAs_ = role;
       loop_.stop();
    };
    redundancySm_.make(redundancyIn(manager, options_.redundancy),
                       fedEntity<Rex::Dir>(manager, "l2discovery/lldp/status/local"),
-                      RedundancySm::Reactions{[this] { feeders_->activeIs(); }, restart});
+                      RedundancySm::Reactions{[this] { activeIs(); }, restart});
 }
 
-// The agent finds the operator's entities at its mounts, filled.
+// The agent finds the operator's entities at its mounts, filled. What a shared store holds of them
+// counts; the active supervisor's file is for a store in which nothing is configured.
 void Daemon::loadConfig() {
    config_.emplace(agent_->entityManager());
    configFile_.emplace(options_.config.value_or(options_.stateDir + "/config.json"),
                        options_.config.has_value());
+   if (store_ && (!redundancySm_.get()->isActive() || !config_->differences().empty())) return;
    configFile_->load(*config_);
 }
 
 void Daemon::startFeeders() {
    names_.emplace(options_.ports, options_.stateDir + "/ports.json");
    feeders_.emplace(Feeders::Setup{agent_->entityManager(), loop_, *names_, options_.feeders,
-                                   options_.served(), options_.devices.empty()});
-   feeders_->start(redundancySm_.get()->isActive());
+                                   options_.served(), options_.devices.empty(),
+                                   store_.has_value()});
+   bool active = redundancySm_.get()->isActive();
+   feeders_->start(active);
+   if (active) activeIs();
+}
+
+void Daemon::activeIs() {
+   feeders_->activeIs();
+   if (powerFallback_.get()) return;
    auto& manager = *agent_->entityManager();
    powerFallback_.make(fedEntity<Lldp::Config>(manager, "l2discovery/lldp/config"),
                        fedEntity<Lldp::CliConfig>(manager, "l2discovery/lldp/cliConfig"));
 }
 
-void Daemon::startApi() {
+void Daemon::openApi() {
+   resources_.resourceIs({std::string(ApiResources::always),
+                          {"GET"},
+                          {},
+                          [this](const ApiRequest&, const ApiTarget&) {
+                             return ApiAnswer{200, describe(), {}};
+                          }});
+   resources_.writeSocketIs(options_.socket);
+   server_.emplace(loop_, socket_->fd(), resources_, rate_);
+   if (readSocket_) {
+      readServer_.emplace(loop_, readSocket_->fd(), resources_, rate_, ApiLimits(), false);
+   }
+}
+
+void Daemon::serveAll() {
    const auto& manager = agent_->entityManager();
    entities_.emplace(manager, ApiAccess(manager, feeders_->fedPaths()));
    entities_->serveIn(resources_);
-   resources_.resourceIs({"/v1/agent", {"GET"}, {}, [this](const ApiRequest&, const ApiTarget&) {
-                             return ApiAnswer{200, describe(), {}};
-                          }});
    resources_.resourceIs(traceResource());
    serveConfig(resources_, *config_, *configFile_);
    events_.emplace(manager);
    events_->serveIn(resources_);
    streams_.emplace(manager);
    streams_->serveIn(resources_);
-   resources_.writeSocketIs(options_.socket);
-   server_.emplace(loop_, socket_->fd(), resources_, rate_);
-   if (readSocket_) {
-      readServer_.emplace(loop_, readSocket_->fd(), resources_, rate_, ApiLimits(), false);
-   }
 }
 
 // Ends the streams too, whose machines watch what the agent is about to take away.
@@ -158,10 +195,16 @@ void Daemon::watchSignals() {
    loop_.descriptorIs(signals_, EPOLLIN, [this](uint32_t) { loop_.stop(); });
 }
 
-void Daemon::start() {
+bool Daemon::start() {
+   if (store_ && !waitForStore()) return false;
+   startRedundancy();
+   loadConfig();
+   startFeeders();
+   serveAll();
    Rex::Dispatcher::run([this] { agent_->doInit(); });
    ready_.handlerIs(nullptr, [this] { handleReady(); });
    ready_.timeMinIs(0);
+   return true;
 }
 
 std::optional<Role> Daemon::run() {
@@ -178,6 +221,10 @@ std::optional<Role> Daemon::run() {
    stopApi();
    // As one handler, so that what still watches is told when all of it is over.
    Rex::Dispatcher::run([this] { module_->cleanUp(*agent_); });
+   if (store_) {
+      loop_.descriptorDel(signals_);
+      store_->flush(longestFlush);
+   }
    return std::nullopt;
 }
 
@@ -192,17 +239,21 @@ void Daemon::handleReady() {
 
 Rex::Json Daemon::describe() const {
    Rex::Json ports = Rex::Json::object();
-   for (const auto& [port, device] : feeders_->ports()) {
-      ports[port.stringValue().stdString()] = {{"device", device}};
+   if (feeders_) {
+      for (const auto& [port, device] : feeders_->ports()) {
+         ports[port.stringValue().stdString()] = {{"device", device}};
+      }
    }
-   return {{"pid", getpid()},
-           {"cell", context_.cellId},
-           {"time", Rex::System::currentTime()},
-           {"startTime", startTime_},
-           {"wakeups", loop_.wakeups()},
-           {"packets", {{"kernelDrops", pamMaker_->kernelDrops()}}},
-           {"ports", ports},
-           {"trace", traceToJson()}};
+   Rex::Json agent{{"pid", getpid()},
+                   {"cell", context_.cellId},
+                   {"time", Rex::System::currentTime()},
+                   {"startTime", startTime_},
+                   {"wakeups", loop_.wakeups()},
+                   {"packets", {{"kernelDrops", pamMaker_->kernelDrops()}}},
+                   {"ports", ports},
+                   {"trace", traceToJson()}};
+   if (store_) agent["store"] = store_->describe();
+   return agent;
 }
 
 }  // namespace Host

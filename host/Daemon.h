@@ -17,6 +17,7 @@
 #include "host/Options.h"
 #include "host/PowerFallback.h"
 #include "host/Redundancy.h"
+#include "host/SharedStore.h"
 #include "host/Watch/EntityStreams.h"
 #include "host/Watch/LldpEvents.h"
 
@@ -28,8 +29,10 @@ class Daemon {
    explicit Daemon(const Options& options);
    ~Daemon();
 
-   // Starts the agent. Throws std::system_error when it cannot have its files.
-   void start();
+   // Starts the agent; with a shared state store when that has been read, however late. False when
+   // the process was told to stop before. Throws StartError, and std::system_error when the agent
+   // cannot have its files.
+   bool start();
    // Runs until SIGTERM or SIGINT, then stops in order and returns nothing. Where the agent cannot
    // take up a role that it is given, it returns that role, and the process has to begin anew at
    // once: the agent stands still, and what it wrote stays for the supervisor that is active now.
@@ -37,10 +40,13 @@ class Daemon {
 
  private:
    void checkPlatform() const;
+   bool waitForStore();
    void loadConfig();
    void startRedundancy();
    void startFeeders();
-   void startApi();
+   void activeIs();
+   void openApi();
+   void serveAll();
    void stopApi();
    void watchSignals();
    void handleReady();
@@ -54,6 +60,7 @@ class Daemon {
    std::optional<ApiSocket> socket_;
    std::optional<ApiSocket> readSocket_;
    std::shared_ptr<Interface::LinuxPamMaker> pamMaker_;
+   std::optional<SharedStore> store_;
    std::optional<Module> module_;
    AgentBase::CAgent::Ptr agent_;
    std::optional<OperatorConfig> config_;

@@ -29,7 +29,7 @@ int main(int argc, char** argv) {
       auto options = Host::Options::parse(argc, argv);
       if (!options) return 0;
       daemon = std::make_unique<Host::Daemon>(*options);
-      daemon->start();
+      if (!daemon->start()) return 0;
    } catch (const std::exception& error) {
       daemon.reset();
       return refuse(error.what());

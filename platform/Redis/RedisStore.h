@@ -31,6 +31,7 @@ class RedisStore : public Statestore::Store {
                const Statestore::Operations& operations,
                std::function<void(Statestore::ChangeResult)> answer) override;
 
+   bool up() const { return up_; }
    // Entries of the list that were no change, and were passed over.
    uint64_t malformedEntries() const { return malformedEntries_; }
 
