@@ -24,14 +24,14 @@ void References::endWait(const PlaceName& place) {
    waiting_.erase(at);
 }
 
+void References::endAllWaits() {
+   waiting_.clear();
+   awaited_.clear();
+}
+
 bool References::isWaiting(const PlaceName& place, const std::string& target) const {
    auto at = waiting_.find(place);
    return at != waiting_.end() && at->second == target;
-}
-
-std::string References::waitsFor(const PlaceName& place) const {
-   auto at = waiting_.find(place);
-   return at == waiting_.end() ? std::string() : at->second;
 }
 
 void References::dangles(const PlaceName& place, const Rex::Ptr<Rex::Entity>& entity) {

@@ -188,7 +188,7 @@ struct ReplicaWorld {
          case 4:
             return process->client.connect();
          case 5:
-            return oneIn(4) ? store.empty() : store.trim(static_cast<size_t>(below(6)));
+            return oneIn(4) ? store.empty() : store.trim(static_cast<size_t>(1 + below(6)));
          case 6:
             if (oneIn(3)) {
                process = nullptr;
@@ -218,7 +218,7 @@ struct ReplicaWorld {
       const Contents right = contents(*fresh);
       for (auto& process : all) {
          EXPECT_TRUE(process->replica->idle());
-         EXPECT_EQ(differences(right, contents(*process)), "") << process->client.name;
+         EXPECT_EQ(differences(right, contents(*process)), "") << process->client.name << " row all " << (store.rows().contains("all") ? testing::PrintToString(store.rows().at("all").fields) : "");
          EXPECT_EQ(process->replica->refused(), 0u);
       }
       EXPECT_TRUE(fresh->replica->idle());
