@@ -36,6 +36,8 @@ bool References::isWaiting(const PlaceName& place, const std::string& target) co
 
 void References::dangles(const PlaceName& place, const Rex::Ptr<Rex::Entity>& entity) {
    endWait(place);
+   // It was sent as empty, and so is not to follow what comes in the target's stead.
+   std::erase_if(due_, [&](const Due& due) { return due.place == place; });
    due_.push_back({place, {}, entity});
 }
 

@@ -56,7 +56,6 @@ void TreeWriter::set(RowSm& row, const Place& place, const std::string& text) {
 }
 
 void TreeWriter::point(RowSm& row, const Place& place, const std::string& target) {
-   if (getenv("DBG")) fprintf(stderr, "%p point %s %s -> %s\n", (void*)this, row.path().c_str(), place.key.c_str(), target.c_str());
    const References::PlaceName name = nameOf(row, place);
    RowSm* standing = table_.at(target);
    if (!standing) {
@@ -74,6 +73,10 @@ void TreeWriter::point(RowSm& row, const Place& place, const std::string& target
 void TreeWriter::put(RowSm& row, const Place& place, const RowImages& images) {
    Rex::Ptr<RowSm> standing(&row);
    const References::PlaceName name = nameOf(row, place);
+   if (place.member->kind != Rex::MemberKind::children &&
+       place.member->kind != Rex::MemberKind::pointer) {
+      return refuse(name.first + '/' + name.second + ": holds no row");
+   }
    int level = 0;
    for (const RowSm* holder = &row; holder; holder = holder->holder()) ++level;
    RowBuilder builder(table_, images);
@@ -95,7 +98,6 @@ void TreeWriter::remove(RowSm& row, const Place& place) {
 }
 
 void TreeWriter::empty(RowSm& row, const Place& place) {
-   if (getenv("DBG")) fprintf(stderr, "%p empty %s %s\n",(void*)this, row.path().c_str(), place.key.c_str());
    if (valueAt(*row.entity(), place) == PlaceValue()) return;
    if (!isKeyed(*place.member) && place.member->kind != Rex::MemberKind::pointer) {
       return refuse(row.path() + '/' + place.member->name + ": cannot be removed");
@@ -116,7 +118,6 @@ void TreeWriter::settle() {
 }
 
 void TreeWriter::settle(const References::Due& due) {
-   if (getenv("DBG")) fprintf(stderr, "settle %s %s -> %s gone %p\n", due.place.first.c_str(), due.place.second.c_str(), due.target.c_str(), (void*)due.gone.get());
    RowSm* row = table_.at(due.place.first);
    auto place = row ? placeOf(*row->entity(), due.place.second) : std::nullopt;
    if (!place) return;

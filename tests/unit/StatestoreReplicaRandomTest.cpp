@@ -218,7 +218,7 @@ struct ReplicaWorld {
       const Contents right = contents(*fresh);
       for (auto& process : all) {
          EXPECT_TRUE(process->replica->idle());
-         EXPECT_EQ(differences(right, contents(*process)), "") << process->client.name << " row all " << (store.rows().contains("all") ? testing::PrintToString(store.rows().at("all").fields) : "");
+         EXPECT_EQ(differences(right, contents(*process)), "") << process->client.name;
          EXPECT_EQ(process->replica->refused(), 0u);
       }
       EXPECT_TRUE(fresh->replica->idle());
