@@ -37,8 +37,11 @@ RowSm* ChangeReader::rowFor(const std::string& path) const {
 
 bool ChangeReader::overridden(const RowSm& row, const Place& place, const std::string& field,
                               const Flight* flight) const {
-   return (flight && flight->covers(row.path(), field)) ||
-          table_.pending.has(row, *place.member, anyKeyOf(place));
+   if (flight && flight->covers(row.path(), field)) return true;
+   // A row that stands in the store by now is not sent again.
+   const RowSm* child = row.child(field);
+   if (child && child->state() == RowSm::State::standing) return false;
+   return table_.pending.has(row, *place.member, anyKeyOf(place));
 }
 
 void ChangeReader::make(const Operation& operation, const RowImages& images, const Flight* flight) {

@@ -39,10 +39,13 @@ bool isSame(const RowSm& row, const RowImage& image) {
 void Reconcile::root(RowSm& root) {
    const RowImage* image = images_.at(root.path());
    if (image) return row(root, *image);
-   root.allStatesIs(RowSm::State::unwritten);
    const auto& members = root.entity()->entityType().members();
+   const bool sends = (restore_ || anyAuthored(root)) && !members.empty();
+   root.allStatesIs(sends ? RowSm::State::fresh : RowSm::State::unwritten);
+   // Others may make it before.
+   root.stateIs(RowSm::State::unwritten);
    // Any place of it will do: the row goes out whole.
-   if ((restore_ || anyAuthored(root)) && !members.empty()) send(root, {members.front().get(), {}});
+   if (sends) send(root, {members.front().get(), {}});
 }
 
 void Reconcile::row(RowSm& row, const RowImage& image) {
@@ -73,22 +76,19 @@ void Reconcile::row(RowSm& row, const RowImage& image) {
 }
 
 void Reconcile::value(RowSm& row, const Place& place, const std::string& theirs) {
-   PlaceValue value = valueAt(*row.entity(), place);
-   std::string ours = value.json;
-   if (value.entity) {
-      RowSm* target = table_.of(value.entity.get());
-      ours = target ? References::toText(target->path()) : "null";
-   } else if (place.member->kind == Rex::MemberKind::pointer) {
-      ours = "null";
-   }
    const bool points = place.member->kind == Rex::MemberKind::pointer ||
                        place.member->kind == Rex::MemberKind::references;
-   if (sameJson(ours, theirs)) {
-      // So that the place is known as one that points there.
-      if (value.entity) writer_.set(row, place, theirs);
+   PlaceValue value = valueAt(*row.entity(), place);
+   std::string ours = value.json;
+   // Null is none, and so is what points to an entity without a row.
+   if (RowSm* target = table_.of(value.entity.get())) ours = References::toText(target->path());
+   const bool none = theirs.empty() || (points && theirs == "null");
+   if (none ? ours.empty() : sameJson(ours, theirs)) {
+      // So that the place is known as one that points there, or is empty indeed.
+      if (value.entity) none ? writer_.remove(row, place) : writer_.set(row, place, theirs);
    } else if (row.authored(*place.member)) {
-      if (!(points && theirs.empty() && ours == "null")) send(row, place);
-   } else if (!theirs.empty()) {
+      send(row, place);
+   } else if (!none) {
       writer_.set(row, place, theirs);
    } else if (isKeyed(*place.member) || points) {
       writer_.remove(row, place);
@@ -108,7 +108,7 @@ void Reconcile::child(RowSm& row, const Place& place, const std::string& field) 
    } else if (theirs) {
       if (held || removed_.contains({row.path(), field})) return send(row, place);
       writer_.put(row, place, images_);
-   } else if (restore_ || held || anyAuthored(*ours)) {
+   } else if (restore_ || held || ours->state() == RowSm::State::fresh || anyAuthored(*ours)) {
       ours->allStatesIs(RowSm::State::fresh);
       send(row, place);
    } else if (ours->state() != RowSm::State::unwritten) {

@@ -24,18 +24,20 @@ void References::endWait(const PlaceName& place) {
    waiting_.erase(at);
 }
 
+void References::endAllWaits() {
+   waiting_.clear();
+   awaited_.clear();
+}
+
 bool References::isWaiting(const PlaceName& place, const std::string& target) const {
    auto at = waiting_.find(place);
    return at != waiting_.end() && at->second == target;
 }
 
-std::string References::waitsFor(const PlaceName& place) const {
-   auto at = waiting_.find(place);
-   return at == waiting_.end() ? std::string() : at->second;
-}
-
 void References::dangles(const PlaceName& place, const Rex::Ptr<Rex::Entity>& entity) {
    endWait(place);
+   // It was sent as empty, and so is not to follow what comes in the target's stead.
+   std::erase_if(due_, [&](const Due& due) { return due.place == place; });
    due_.push_back({place, {}, entity});
 }
 

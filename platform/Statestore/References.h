@@ -23,10 +23,8 @@ class References {
    void points(const PlaceName& place, const std::string& target);
    void waits(const PlaceName& place, const std::string& target);
    void endWait(const PlaceName& place);
+   void endAllWaits();
    bool isWaiting(const PlaceName& place, const std::string& target) const;
-   // What a waiting place waits for; empty when it does not.
-   std::string waitsFor(const PlaceName& place) const;
-
    // A place points to an entity that has no row (any more).
    void dangles(const PlaceName& place, const Rex::Ptr<Rex::Entity>& entity);
 

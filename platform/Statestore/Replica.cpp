@@ -206,6 +206,7 @@ void Replica::handleLoaded(const std::vector<std::string>& paths, Snapshot snaps
    std::string ahead;
    if (all) {
       removed = takeUnsent();
+      table_.references.endAllWaits();
       reload_ = false;
       life_ = snapshot.life;
       last_ = snapshot.last;

@@ -73,6 +73,10 @@ void TreeWriter::point(RowSm& row, const Place& place, const std::string& target
 void TreeWriter::put(RowSm& row, const Place& place, const RowImages& images) {
    Rex::Ptr<RowSm> standing(&row);
    const References::PlaceName name = nameOf(row, place);
+   if (place.member->kind != Rex::MemberKind::children &&
+       place.member->kind != Rex::MemberKind::pointer) {
+      return refuse(name.first + '/' + name.second + ": holds no row");
+   }
    int level = 0;
    for (const RowSm* holder = &row; holder; holder = holder->holder()) ++level;
    RowBuilder builder(table_, images);

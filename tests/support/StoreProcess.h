@@ -2,7 +2,6 @@
 #pragma once
 
 #include <algorithm>
-#include "Rex/Trace.h"
 #include <map>
 #include <memory>
 #include <optional>
@@ -22,7 +21,6 @@ class StoreProcess {
        : client(store.client()), context(clock), scope_(std::in_place, context) {
       manager = Rex::make<Statestore::EntityManager>();
       client.name = writer;
-      if (std::getenv("DBG")) { context.traceMaskIs("Statestore", 0x3ff); context.traceSink = [writer](const Rex::TraceRecord& r) { fprintf(stderr, "%s %s\n", writer.c_str(), r.text.c_str()); }; }
       replica = std::make_unique<Statestore::Replica>(client, writer);
       scope_.reset();
       client.connect();

@@ -188,7 +188,7 @@ struct ReplicaWorld {
          case 4:
             return process->client.connect();
          case 5:
-            return oneIn(4) ? store.empty() : store.trim(static_cast<size_t>(below(6)));
+            return oneIn(4) ? store.empty() : store.trim(static_cast<size_t>(1 + below(6)));
          case 6:
             if (oneIn(3)) {
                process = nullptr;
