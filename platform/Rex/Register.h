@@ -70,8 +70,14 @@ struct ScalarOf : Member {
        : Member(m.name, m.attr.id, MemberKind::scalar), at(m.member), set(m.set) {}
    Json toJson(const Entity& e) const override { return Rex::toJson(in<Owner>(e).*at); }
    Write decode(const Json& json, const std::string& path) const override {
-      T value = fromOwnJson<T>(json, path);
+      T value{};
+      fromJson(json, value, path);
       return [set = set, value](Entity& e) { set(in<Owner>(e), value); };
+   }
+   // The one element of a scalar is its value as toJson() gives it, whatever that is.
+   Write decodeElement(std::string_view, const Json& json, const std::string& path) const override {
+      return
+          [set = set, value = fromOwnJson<T>(json, path)](Entity& e) { set(in<Owner>(e), value); };
    }
    T Owner::*at;
    Setter set;

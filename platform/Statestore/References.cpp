@@ -29,6 +29,15 @@ void References::endAllWaits() {
    awaited_.clear();
 }
 
+std::vector<std::pair<std::string, std::string>> References::waitsOf(const std::string& row) const {
+   std::vector<std::pair<std::string, std::string>> found;
+   for (auto at = waiting_.lower_bound({row, {}}); at != waiting_.end() && at->first.first == row;
+        ++at) {
+      found.emplace_back(at->first.second, at->second);
+   }
+   return found;
+}
+
 bool References::isWaiting(const PlaceName& place, const std::string& target) const {
    auto at = waiting_.find(place);
    return at != waiting_.end() && at->second == target;

@@ -24,6 +24,8 @@ class References {
    void waits(const PlaceName& place, const std::string& target);
    void endWait(const PlaceName& place);
    void endAllWaits();
+   // The fields of a row that wait, and what for.
+   std::vector<std::pair<std::string, std::string>> waitsOf(const std::string& row) const;
    bool isWaiting(const PlaceName& place, const std::string& target) const;
    // A place points to an entity that has no row (any more).
    void dangles(const PlaceName& place, const Rex::Ptr<Rex::Entity>& entity);

@@ -61,7 +61,6 @@ void RowBuilder::fill(Rex::Entity& entity, const std::string& path, const std::s
       case Rex::MemberKind::key:
          return;
       case Rex::MemberKind::scalar:
-         return member.decode(parseValue(value), {})(entity);
       case Rex::MemberKind::values:
       case Rex::MemberKind::mapping:
          return member.decodeElement(place->key, parseValue(value), {})(entity);

@@ -70,11 +70,19 @@ void RowWriter::writeFields(RowSm& row) {
       operations_.push_back({Operation::Kind::set, row.path(), std::move(field),
                              value.empty() ? "null" : std::move(value)});
    };
+   const auto waits = table_.references.waitsOf(row.path());
    const std::vector<Place> places = placesOf(entity);
    for (bool keys : {true, false}) {
       for (const Place& place : places) {
          if ((place.member->kind == Rex::MemberKind::key) == keys) write(place);
       }
+   }
+   // Places that are empty only until their targets come.
+   for (const auto& [field, target] : waits) {
+      auto place = placeOf(entity, field);
+      if (!place || valueAt(entity, *place).entity) continue;
+      table_.references.waits({row.path(), field}, target);
+      operations_.push_back({Operation::Kind::set, row.path(), field, References::toText(target)});
    }
 }
 

@@ -36,8 +36,7 @@ void TreeWriter::set(RowSm& row, const Place& place, const std::string& text) {
          case Rex::MemberKind::values:
          case Rex::MemberKind::mapping: {
             Rex::Json json = parseValue(text);
-            auto write = isKeyed(member) ? member.decodeElement(place.key, json, {})
-                                         : member.decode(json, {});
+            auto write = member.decodeElement(place.key, json, {});
             if (!isKeyed(member)) row.authoredIs(member, false);
             table_.applying.write(row, place, [&] { write(*row.entity()); });
             return;
