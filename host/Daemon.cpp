@@ -116,7 +116,7 @@ bool Daemon::waitForStore() {
 void Daemon::startRedundancy() {
    auto& manager = *agent_->entityManager();
    auto restart = [this](Role role) {
-      if (store_) store_->detach();
+      if (store_) store_->freeze();
       restartAs_ = role;
       loop_.stop();
    };
@@ -146,6 +146,7 @@ void Daemon::startFeeders() {
 }
 
 void Daemon::activeIs() {
+   if (store_) store_->guardIs(*agent_->redundancyStatus());
    feeders_->activeIs();
    if (powerFallback_.get()) return;
    auto& manager = *agent_->entityManager();
@@ -212,6 +213,7 @@ std::optional<Role> Daemon::run() {
    if (restartAs_) {
       sd_notify(0, "STATUS=beginning anew in another role");
       stopApi();
+      if (store_) store_->flush(longestFlush);
       // The sockets' files and locks, which the next to come wants.
       readSocket_.reset();
       socket_.reset();

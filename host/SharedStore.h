@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 
+#include "Foreign/Redundancy.h"
 #include "Redis/RedisStore.h"
 #include "Rex/Context.h"
 #include "Rex/Loop.h"
@@ -24,8 +25,12 @@ class SharedStore {
    // paths.
    void load(Statestore::EntityManager& manager, std::function<void(bool)> then);
 
-   // The role is lost: nothing goes out any more, and nothing comes in.
-   void detach() { replica_.detach(); }
+   // Where two supervisors take turns: nothing of this one goes out any more once the store says
+   // that it is not the active one. Nothing is asked of one that stands alone.
+   void guardIs(const Redundancy::RedundancyStatus& status);
+   // The role is lost: what was changed until now still goes out, if the store lets it, and nothing
+   // after that; and nothing comes in.
+   void freeze() { replica_.freeze(); }
    // Runs the loop until all that was written is in the store, but no longer than these seconds.
    void flush(double longest);
 

@@ -27,6 +27,8 @@ std::string_view nameOf(Operation::Kind kind) {
          return "make";
       case Operation::Kind::remove:
          return "remove";
+      case Operation::Kind::require:
+         return "require";
    }
    return "";
 }
@@ -34,6 +36,7 @@ std::string_view nameOf(Operation::Kind kind) {
 ChangeResult resultOf(std::string_view answer) {
    if (answer == "otherLife") return ChangeResult::otherLife;
    if (answer == "rootStands") return ChangeResult::rootStands;
+   if (answer == "unmet") return ChangeResult::unmet;
    return ChangeResult::made;
 }
 

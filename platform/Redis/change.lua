@@ -2,8 +2,9 @@
 --
 -- Arguments: the life of the store, the writer, the writer's own number of the change, then for
 -- each operation its kind, the row's path, the field and the value.
--- Answer: the id of the change; or 'otherLife', or 'rootStands' when a root that it makes stands
--- already, and then nothing was changed.
+-- Answer: the id of the change; or 'otherLife', 'unmet' when a field has another value than the
+-- change requires, or 'rootStands' when a root that it makes stands already, and then nothing was
+-- changed.
 
 local life, writer, number = ARGV[1], ARGV[2], ARGV[3]
 
@@ -21,6 +22,10 @@ local function isField(field) return field ~= '' and field ~= '.type' end
 
 for i = 4, #ARGV, 4 do
    if ARGV[i] == 'make' and ARGV[i + 1] == '' and stands(ARGV[i + 2]) then return 'rootStands' end
+   if ARGV[i] == 'require' then
+      local value = redis.pcall('HGET', key(ARGV[i + 1]), ARGV[i + 2])
+      if type(value) == 'string' and value ~= ARGV[i + 3] then return 'unmet' end
+   end
 end
 
 -- Removes a row and all below it.

@@ -1,6 +1,8 @@
 #include "Statestore/Replica.h"
 
 #include <algorithm>
+#include <limits>
+#include <utility>
 
 #include "Rex/Log.h"
 #include "Rex/Trace.h"
@@ -53,23 +55,38 @@ Replica::~Replica() {
    tree_.replicaIs(nullptr);
 }
 
+void Replica::freeze() {
+   if (detached_ || frozen_) return;
+   frozen_ = true;
+   const bool sends = !reload_ && !life_.empty();  // else it is not known what is in the store
+   if (sends) rest_ = rowWriter_.take(std::numeric_limits<size_t>::max());
+   if (!sends || (flight_ && flight_->state == Flight::State::made)) flight_.reset();
+   letGo();
+   step();
+}
+
 void Replica::detach() {
    detached_ = true;
+   flight_.reset();
+   letGo();
+}
+
+void Replica::letGo() {
    turn_.cancel();
    retry_.cancel();
    waiters_.clear();
    for (auto& [path, root] : roots_) root.row.reset();
    table_.pending.clear();
-   flight_.reset();
 }
 
 bool Replica::idle() const {
+   if (frozen_) return !flight_ && rest_.empty();
    return detached_ || (up_ && !busy_ && !reload_ && !news_ && !flight_ && table_.pending.empty() &&
                         rootPaths(true).empty());
 }
 
 void Replica::rootIs(const std::string& path, const Rex::Ptr<Rex::Entity>& entity) {
-   if (detached_) return;
+   if (detached_ || frozen_) return;
    Rex::ContextScope scope(context_);
    const std::string row = encodePath(splitPath(path));
    roots_[row].row.make(table_, entity, nullptr, row, RowSm::State::unwritten);
@@ -127,6 +144,7 @@ void Replica::handleUp() {
 
 void Replica::handleDown() {
    up_ = busy_ = false;
+   if (frozen_) flight_.reset();  // whether it was made is not to be found out any more
 }
 
 void Replica::handleNews() {
@@ -151,6 +169,7 @@ void Replica::handleNote() {
 void Replica::step() {
    if (detached_ || !up_ || busy_) return;
    Rex::ContextScope scope(context_);
+   if (frozen_) return stepFrozen();
    if (life_.empty() || reload_ || !rootPaths(true).empty()) return load();
    if (news_) return read();
    if (flight_ && flight_->state == Flight::State::waiting && !retry_.armed()) return send();
@@ -159,6 +178,11 @@ void Replica::step() {
    if (operations.empty()) return;
    flight_.emplace(++number_, std::move(operations));
    send();
+}
+
+void Replica::stepFrozen() {
+   if (!flight_ && !rest_.empty()) flight_.emplace(++number_, std::exchange(rest_, {}));
+   if (flight_) send();
 }
 
 void Replica::load() {
@@ -170,7 +194,7 @@ void Replica::load() {
       busy_ = false;
       if (detached_) return;
       Rex::ContextScope scope(context_);
-      handleLoaded(paths, std::move(snapshot));
+      if (!frozen_) handleLoaded(paths, std::move(snapshot));
       step();
    });
 }
@@ -247,7 +271,7 @@ void Replica::read() {
       busy_ = false;
       if (detached_) return;
       Rex::ContextScope scope(context_);
-      handleRead(std::move(changes));
+      if (!frozen_) handleRead(std::move(changes));
       step();
    });
 }
@@ -269,7 +293,7 @@ void Replica::handleRead(std::optional<std::vector<Change>> changes) {
    if (!own) news_ = true;
    for (const Change& change : *changes) {
       apply(change);
-      if (detached_) return;
+      if (detached_ || frozen_) return;
    }
 }
 
@@ -289,7 +313,13 @@ void Replica::apply(const Change& change) {
 void Replica::send() {
    busy_ = true;
    flight_->state = Flight::State::sent;
-   store_.change(life_, writer_, flight_->number, flight_->operations, [this](ChangeResult result) {
+   Operations guarded;
+   if (guard_) {
+      guarded.push_back(*guard_);
+      guarded.insert(guarded.end(), flight_->operations.begin(), flight_->operations.end());
+   }
+   const Operations& operations = guard_ ? guarded : flight_->operations;
+   store_.change(life_, writer_, flight_->number, operations, [this](ChangeResult result) {
       busy_ = false;
       if (detached_) return;
       Rex::ContextScope scope(context_);
@@ -299,6 +329,11 @@ void Replica::send() {
 }
 
 void Replica::handleSent(ChangeResult result) {
+   if (frozen_) {
+      flight_.reset();
+      if (result != ChangeResult::made) rest_.clear();
+      return;
+   }
    switch (result) {
       case ChangeResult::made:
          retryAfter_ = 0;
@@ -308,6 +343,11 @@ void Replica::handleSent(ChangeResult result) {
       case ChangeResult::otherLife:
       case ChangeResult::rootStands:
          reload_ = true;
+         return;
+      case ChangeResult::unmet:  // why is among the news
+         news_ = true;
+         flight_->state = Flight::State::waiting;
+         retry_.timeMinIs(context_.clock()->now() + firstRetry);
          return;
       case ChangeResult::refused:
          flight_->state = Flight::State::waiting;

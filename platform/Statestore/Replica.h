@@ -31,7 +31,14 @@ class Replica : private StoreClient {
    // another type stands at one of them in the store; it then is not replicated.
    void loaded(const std::vector<std::string>& paths, std::function<void(bool ofTheirTypes)> then);
 
-   // For a process that has lost its role: sends nothing more, and applies nothing more.
+   // What each change from here on requires of the store (Operation::Kind::require): while it is
+   // not so nothing goes out. Nothing is required without one.
+   void guardIs(std::optional<Operation> guard) { guard_ = std::move(guard); }
+
+   // For a process that loses its role: sends what is pending, if the guard lets it, and nothing
+   // that is changed later; and applies nothing more.
+   void freeze();
+   // Sends nothing more at all, and applies nothing more.
    void detach();
 
    // Whether all is sent and nothing is left to be read, as far as is known here.
@@ -68,6 +75,8 @@ class Replica : private StoreClient {
    void handleRead(std::optional<std::vector<Change>> changes);
    void apply(const Change& change);
    void send();
+   void stepFrozen();
+   void letGo();
    void handleSent(ChangeResult result);
    void handleNote();
    void tellWaiters();
@@ -86,6 +95,9 @@ class Replica : private StoreClient {
    std::vector<Waiter> waiters_;
 
    bool detached_ = false;
+   bool frozen_ = false;
+   Operations rest_;  // of a frozen process
+   std::optional<Operation> guard_;
    bool up_ = false;
    bool busy_ = false;    // a request is not answered
    bool reload_ = false;  // the list of changes does not tell what happened

@@ -34,6 +34,8 @@ void RowImages::apply(const Operation& operation) {
          wipe(path);
          if (holder != rows_.end()) holder->second.fields.erase(operation.field);
          return;
+      case Operation::Kind::require:
+         return;
    }
 }
 

@@ -18,11 +18,13 @@ namespace Statestore {
 // One step of a change.
 struct Operation {
    enum class Kind {
-      set,     // writes a field of a row; void when there is no such row
-      make,    // makes the row of `field` below `row`, empty, in place of one that stands there;
-               // `value` is its type. Void when there is no row `row`. An empty `row` makes a
-               // root, never in place of one that stands: see ChangeResult::rootStands
-      remove,  // removes a field of a row, and with a row's field that row and all below it
+      set,      // writes a field of a row; void when there is no such row
+      make,     // makes the row of `field` below `row`, empty, in place of one that stands there;
+                // `value` is its type. Void when there is no row `row`. An empty `row` makes a
+                // root, never in place of one that stands: see ChangeResult::rootStands
+      remove,   // removes a field of a row, and with a row's field that row and all below it
+      require,  // changes nothing: where the field has another value, the whole change is `unmet`.
+                // A field that is not there has no other value
    };
    Kind kind;
    std::string row;    // path of the row
@@ -58,6 +60,7 @@ enum class ChangeResult {
    otherLife,   // the store was emptied since; nothing was changed
    rootStands,  // a root that the change makes stands already, for another client was first. It is
                 // to be loaded; nothing was changed
+   unmet,       // what it requires is not so; nothing was changed
    refused,     // by a store that has no memory left, or is read-only; nothing was changed
 };
 

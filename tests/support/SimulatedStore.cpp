@@ -39,8 +39,12 @@ void SimulatedStore::Client::change(const std::string& life, const std::string& 
          return one.kind == Operation::Kind::make && one.row.empty() &&
                 store_.rows_.contains(one.field);
       });
+      bool unmet = std::any_of(operations.begin(), operations.end(), [&](const Operation& one) {
+         return one.kind == Operation::Kind::require && !store_.meets(one);
+      });
       ChangeResult result = life != store_.life_ ? ChangeResult::otherLife
                             : store_.refuses     ? ChangeResult::refused
+                            : unmet              ? ChangeResult::unmet
                             : stands             ? ChangeResult::rootStands
                                                  : ChangeResult::made;
       if (result == ChangeResult::made) {
@@ -158,6 +162,13 @@ void SimulatedStore::wipe(const std::string& path) {
 }
 
 // Fields of a row that are rows hold their type, as a text.
+bool SimulatedStore::meets(const Operation& one) const {
+   auto row = rows_.find(one.row);
+   if (row == rows_.end()) return true;
+   auto field = row->second.fields.find(one.field);
+   return field == row->second.fields.end() || field->second == one.value;
+}
+
 bool SimulatedStore::apply(const Operation& one) {
    std::string row = one.row, field = one.field;
    const std::string path = row.empty() ? field : row + '/' + field;
@@ -174,6 +185,8 @@ bool SimulatedStore::apply(const Operation& one) {
       }
    }
    switch (one.kind) {
+      case Operation::Kind::require:
+         return false;
       case Operation::Kind::set:
          rows_[row].fields[field] = one.value;
          return true;

@@ -80,6 +80,7 @@ class SimulatedStore {
  private:
    Statestore::Snapshot snapshot(const std::vector<std::string>& roots);
    bool apply(const Statestore::Operation& operation);
+   bool meets(const Statestore::Operation& operation) const;
    void wipe(const std::string& path);
    void add(Statestore::Change change);
    void born();
