@@ -178,35 +178,50 @@
 
 // Entities that this one owns: nameIs(key, ...) makes the member from the arguments, or returns
 // the one that stands. It is filled before its key is reported when the writer is a handler.
-#define REX_CHILDREN(Type, name, Key)                                              \
-   REX_ENTITIES_(Type, name, Key)                                                  \
-   template <class... Args>                                                        \
-   ::Rex::Ptr<Type> name##Is(const Key& key, Args&&... args) {                     \
-      if (auto* found = name##_.find(key)) return *found;                          \
-      auto member = ::Rex::make<Type>(key, std::forward<Args>(args)...);           \
-      member->bornIs();                                                            \
-      name##_.insert(key, member);                                                 \
-      rexChanged(name##Attr.id, key);                                              \
-      return member;                                                               \
-   }                                                                               \
-   REX_DESCRIBE_(children, HashMap, Key, ::Rex::Ptr<Type>, name,                   \
-                 (::Rex::makeWith<Self, Key, ::Rex::Ptr<Type>>(                    \
-                     [](auto& entity, const Key& key) { entity.name##Is(key); })), \
-                 nullptr)
+#define REX_CHILDREN(Type, name, Key)                                                        \
+   REX_ENTITIES_(Type, name, Key)                                                            \
+   template <class... Args>                                                                  \
+   ::Rex::Ptr<Type> name##Is(const Key& key, Args&&... args) {                               \
+      if (auto* found = name##_.find(key)) return *found;                                    \
+      auto member = ::Rex::make<Type>(key, std::forward<Args>(args)...);                     \
+      name##Take(key, member);                                                               \
+      return member;                                                                         \
+   }                                                                                         \
+   REX_DESCRIBE_(children, HashMap, Key, ::Rex::Ptr<Type>, name, REX_TAKE_(Key, Type, name), \
+                 nullptr)                                                                    \
+ private:                                                                                    \
+   void name##Take(const Key& key, const ::Rex::Ptr<Type>& member) {                         \
+      member->bornIs();                                                                      \
+      name##_.insert(key, member);                                                           \
+      rexChanged(name##Attr.id, key);                                                        \
+   }                                                                                         \
+                                                                                             \
+ public:
+#define REX_TAKE_(Key, Type, name)                                    \
+   [](Self& entity, const Key& key, const ::Rex::Ptr<Type>& member) { \
+      entity.name##Take(key, member);                                 \
+   }
 
 // Entities that live elsewhere, under their own key `keyField()`: nameIs(pointer).
-#define REX_POINTERS(Type, name, Key, keyField)                                        \
-   REX_ENTITIES_(Type, name, Key)                                                      \
-   void name##Is(const ::Rex::Ptr<Type>& member) {                                     \
-      if (!member) ::Rex::throwMutatorArgNullPointerException(#name "Is");             \
-      if (auto* old = name##_.find(member->keyField()); old && *old == member) return; \
-      name##_.insert(member->keyField(), member);                                      \
-      rexChanged(name##Attr.id, member->keyField());                                   \
-   }                                                                                   \
-   REX_DESCRIBE_(references, HashMap, Key, ::Rex::Ptr<Type>, name, nullptr, nullptr)
+#define REX_POINTERS(Type, name, Key, keyField)                                                   \
+   REX_ENTITIES_(Type, name, Key)                                                                 \
+   void name##Is(const ::Rex::Ptr<Type>& member) {                                                \
+      if (!member) ::Rex::throwMutatorArgNullPointerException(#name "Is");                        \
+      if (auto* old = name##_.find(member->keyField()); old && *old == member) return;            \
+      name##_.insert(member->keyField(), member);                                                 \
+      rexChanged(name##Attr.id, member->keyField());                                              \
+   }                                                                                              \
+   REX_DESCRIBE_(                                                                                 \
+       references, HashMap, Key, ::Rex::Ptr<Type>, name,                                          \
+       [](Self& entity, const Key&, const ::Rex::Ptr<Type>& member) { entity.name##Is(member); }, \
+       [](const ::Rex::Ptr<Type>& member) -> Key { return member->keyField(); })
 
 // Owned entities of any type by name; what makes them stands in the source file.
 #define REX_CHILDREN_OF_ANY_TYPE(name)                                                       \
    REX_ENTITIES_(::Rex::Entity, name, ::Rex::String)                                         \
-   REX_DESCRIBE_(children, HashMap, ::Rex::String, ::Rex::Ptr<::Rex::Entity>, name, nullptr, \
-                 nullptr)
+   REX_DESCRIBE_(                                                                            \
+       children, HashMap, ::Rex::String, ::Rex::Ptr<::Rex::Entity>, name,                    \
+       [](Self& entity, const ::Rex::String& key, const ::Rex::Ptr<::Rex::Entity>& member) { \
+          entity.name##Is(key, member);                                                      \
+       },                                                                                    \
+       nullptr)

@@ -1,5 +1,6 @@
 #include "Rex/EntityType.h"
 
+#include <algorithm>
 #include <map>
 
 #include "Rex/Assert.h"
@@ -27,6 +28,18 @@ Ptr<Entity> Member::makeChild(Entity&, std::string_view) const {
 const EntityType* Member::madeType() const {
    return nullptr;
 }
+bool Member::put(Entity&, std::string_view, const Ptr<Entity>&) const {
+   return false;
+}
+bool Member::mayOwn() const {
+   return false;
+}
+Json Member::elementToJson(const Entity&, std::string_view) const {
+   return Json(Json::value_t::discarded);
+}
+Member::Write Member::decodeElement(std::string_view, const Json&, const std::string& path) const {
+   throw JsonError(path, "has no elements to be written");
+}
 std::string Member::keyFault(std::string_view) const {
    return {};
 }
@@ -36,13 +49,34 @@ bool Member::removeKey(Entity&, std::string_view) const {
 std::string Member::keyText(const AnyKey&) const {
    return {};
 }
+AnyKey Member::anyKey(std::string_view) const {
+   return {};
+}
+Json Member::keyToJson(std::string_view) const {
+   return Json(Json::value_t::discarded);
+}
 std::vector<std::string> Member::keys(const Entity&) const {
    return {};
 }
 
-EntityType::EntityType(std::string name, Maker maker, std::vector<std::unique_ptr<Member>> members)
-    : name_(std::move(name)), maker_(std::move(maker)), members_(std::move(members)) {
+EntityType::EntityType(std::string name, Maker maker, KeyedMaker keyedMaker,
+                       std::vector<std::unique_ptr<Member>> members)
+    : name_(std::move(name)),
+      maker_(std::move(maker)),
+      keyedMaker_(std::move(keyedMaker)),
+      members_(std::move(members)) {
+   uint32_t last = 0;
+   for (const auto& member : members_) {
+      REX_ASSERT(last < member->id);  // a base is less deep, and stands first
+      last = member->id;
+      if (member->kind == MemberKind::key) ++keys_;
+   }
    registry().emplace(name_, this);
+}
+
+Ptr<Entity> EntityType::create(const std::vector<Json>& keys) const {
+   if (keys.size() != keys_) return nullptr;
+   return keys_ ? (keyedMaker_ ? keyedMaker_(keys) : nullptr) : create();
 }
 
 const Member* EntityType::member(std::string_view name) const {
@@ -53,10 +87,9 @@ const Member* EntityType::member(std::string_view name) const {
 }
 
 const Member* EntityType::member(uint32_t id) const {
-   for (const auto& member : members_) {
-      if (member->id == id) return member.get();
-   }
-   return nullptr;
+   auto at = std::lower_bound(members_.begin(), members_.end(), id,
+                              [](const auto& member, uint32_t id) { return member->id < id; });
+   return at != members_.end() && (*at)->id == id ? at->get() : nullptr;
 }
 
 const EntityType* EntityType::find(std::string_view name) {

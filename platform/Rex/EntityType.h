@@ -37,6 +37,18 @@ class Member {
    virtual Ptr<Entity> makeChild(Entity& entity, std::string_view key) const;
    // The type of what makeChild() makes; null where it makes nothing.
    virtual const EntityType* madeType() const;
+   // For children: takes an entity made elsewhere, in place of one that stands. For references and
+   // pointers: turns to it; a pointer also to null. False, and then nothing has changed, when the
+   // text is no key, the entity is of another type, or its own key is another one.
+   virtual bool put(Entity& entity, std::string_view key, const Ptr<Entity>& member) const;
+   // For pointers: whether the holder may write what it points to, and so may be the one that owns
+   // it. A pointer to a read-only view never is.
+   virtual bool mayOwn() const;
+   // For values and mappings: the JSON of one element (discarded when there is none), and what
+   // decode() is for the whole.
+   virtual Json elementToJson(const Entity& entity, std::string_view key) const;
+   virtual Write decodeElement(std::string_view key, const Json& json,
+                               const std::string& path) const;
    // For all collections: what is wrong with a text that is to be a key, in the form "expected ...,
    // got ..."; empty when it is one.
    virtual std::string keyFault(std::string_view key) const;
@@ -44,6 +56,9 @@ class Member {
    virtual bool removeKey(Entity& entity, std::string_view key) const;
    // The text of a key of this collection, as the queue of changes carries it.
    virtual std::string keyText(const AnyKey& key) const;
+   // The way back, and the JSON of a key; without a value, discarded, when the text is none.
+   virtual AnyKey anyKey(std::string_view text) const;
+   virtual Json keyToJson(std::string_view text) const;
    // For all collections: the keys' texts, in the order of a walk.
    virtual std::vector<std::string> keys(const Entity& entity) const;
 };
@@ -51,7 +66,10 @@ class Member {
 class EntityType {
  public:
    using Maker = std::function<Ptr<Entity>()>;
-   EntityType(std::string name, Maker maker, std::vector<std::unique_ptr<Member>> members);
+   // Takes the values of the type's keys, in order of declaration; throws JsonError.
+   using KeyedMaker = std::function<Ptr<Entity>(const std::vector<Json>& keys)>;
+   EntityType(std::string name, Maker maker, KeyedMaker keyedMaker,
+              std::vector<std::unique_ptr<Member>> members);
 
    const std::string& name() const { return name_; }
    const std::vector<std::unique_ptr<Member>>& members() const { return members_; }
@@ -60,12 +78,19 @@ class EntityType {
 
    // A new entity; null for a type that has a key and so is only made by its holder.
    Ptr<Entity> create() const { return maker_ ? maker_() : nullptr; }
+   // The same from the values of its keys, one for each in order of declaration. Throws JsonError;
+   // null for a type that is not made from them alone.
+   Ptr<Entity> create(const std::vector<Json>& keys) const;
+   // How many members are keys.
+   size_t keys() const { return keys_; }
    // The type of that name, or null. A type is known once its library is loaded.
    static const EntityType* find(std::string_view name);
 
  private:
    std::string name_;
    Maker maker_;
+   KeyedMaker keyedMaker_;
+   size_t keys_ = 0;
    std::vector<std::unique_ptr<Member>> members_;
 };
 

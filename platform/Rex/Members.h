@@ -46,22 +46,12 @@ struct CollectionMember {
    Map Owner::*member;
    Attr<Owner, Key> attr;
    void (*remove)(Owner&, const Key&);
-   // Values: writes one. Children: makes the member of a key, whatever the value; null when a
-   // member cannot be made from its key alone.
+   // Writes one value. Children: takes the entity, in place of one that stands. References: under
+   // the entity's own key, whatever the one given.
    void (*write)(Owner&, const Key&, const Value&);
-   // The key inside a value; null for a mapping and for entities.
+   // The key inside a value, or a reference's own key; null for a mapping and for children.
    Key (*keyOf)(const Value&);
 };
-
-// `make` as the `write` of a collection of owned entities, if a member can be made from its key.
-template <class Owner, class Key, class Pointer, class Make>
-constexpr void (*makeWith(Make))(Owner&, const Key&, const Pointer&) {
-   if constexpr (std::is_constructible_v<typename Pointer::element_type, const Key&>) {
-      return [](Owner& owner, const Key& key, const Pointer&) { Make()(owner, key); };
-   } else {
-      return nullptr;
-   }
-}
 
 // The sum, wrapping at the type's width also for signed types.
 template <class T>

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <set>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -43,6 +44,24 @@ struct KeyOf : Member {
    T Owner::*at;
 };
 
+// Reads a value in its own JSON: also the default of one that has a part without a JSON to be read,
+// an enumeration that has no name for zero.
+template <class T>
+T fromOwnJson(const Json& json, const std::string& path) {
+   T value{};
+   if constexpr (DescribedStruct<T>) {
+      try {
+         fromJson(json, value, path);
+      } catch (const JsonError&) {
+         if (json != Rex::toJson(T{})) throw;
+         value = T{};
+      }
+   } else {
+      fromJson(json, value, path);
+   }
+   return value;
+}
+
 // Writes go through the setter, found through the member's own write function.
 template <class Owner, class T>
 struct ScalarOf : Member {
@@ -55,6 +74,11 @@ struct ScalarOf : Member {
       fromJson(json, value, path);
       return [set = set, value](Entity& e) { set(in<Owner>(e), value); };
    }
+   // The one element of a scalar is its value as toJson() gives it, whatever that is.
+   Write decodeElement(std::string_view, const Json& json, const std::string& path) const override {
+      return
+          [set = set, value = fromOwnJson<T>(json, path)](Entity& e) { set(in<Owner>(e), value); };
+   }
    T Owner::*at;
    Setter set;
 };
@@ -62,7 +86,7 @@ struct ScalarOf : Member {
 template <class Owner, class T>
 struct PointerOf : Member {
    PointerOf(ScalarMember<Owner, T> m)
-       : Member(m.name, m.attr.id, MemberKind::pointer), at(m.member) {}
+       : Member(m.name, m.attr.id, MemberKind::pointer), at(m.member), set(m.set) {}
    Json toJson(const Entity& e) const override {
       if (!(in<Owner>(e).*at)) return Json();
       if constexpr (std::is_base_of_v<Entity, Pointee<T>>) {
@@ -75,7 +99,18 @@ struct PointerOf : Member {
       if constexpr (std::is_base_of_v<Entity, Pointee<T>>) return asEntity(in<Owner>(e).*at);
       return nullptr;
    }
+   bool put(Entity& e, std::string_view, const Ptr<Entity>& target) const override {
+      if constexpr (std::is_base_of_v<Entity, Pointee<T>>) {
+         T typed(dynamic_cast<Pointee<T>*>(target.get()));
+         if (target && !typed) return false;
+         set(in<Owner>(e), typed);
+         return true;
+      }
+      return false;
+   }
+   bool mayOwn() const override { return !std::is_const_v<typename T::element_type>; }
    T Owner::*at;
+   void (*set)(Owner&, const T&);
 };
 
 template <class Owner, class Map, class Key, class Value>
@@ -113,21 +148,55 @@ struct CollectionOf : Member {
       return nullptr;
    }
    Ptr<Entity> makeChild(Entity& e, std::string_view text) const override {
-      Key key{};
-      if (kind != MemberKind::children || !described.write || !keyFromText(text, key))
-         return nullptr;
-      described.write(in<Owner>(e), key, Value{});
-      return child(e, text);
-   }
-   const EntityType* madeType() const override {
-      if constexpr (isPtr<Value>) {
-         if constexpr (!std::is_same_v<Pointee<Value>, Entity>) {
-            if (kind == MemberKind::children && described.write) {
-               return &Pointee<Value>::staticType();
-            }
-         }
+      if constexpr (madeFromKey) {
+         Key key{};
+         if (kind != MemberKind::children || !keyFromText(text, key)) return nullptr;
+         if (auto standing = child(e, text)) return standing;
+         auto member = make<Pointee<Value>>(std::as_const(key));
+         described.write(in<Owner>(e), key, member);
+         return member;
       }
       return nullptr;
+   }
+   const EntityType* madeType() const override {
+      if constexpr (madeFromKey) {
+         if (kind == MemberKind::children) return &Pointee<Value>::staticType();
+      }
+      return nullptr;
+   }
+   bool put(Entity& e, std::string_view text, const Ptr<Entity>& member) const override {
+      if constexpr (isPtr<Value>) {
+         Key key{};
+         Value typed(dynamic_cast<Pointee<Value>*>(member.get()));
+         if (!typed || !keyFromText(text, key)) return false;
+         if (described.keyOf && described.keyOf(typed) != key) return false;
+         described.write(in<Owner>(e), key, typed);
+         return true;
+      }
+      return false;
+   }
+   Json elementToJson(const Entity& e, std::string_view text) const override {
+      if constexpr (!isPtr<Value>) {
+         Key key{};
+         if (keyFromText(text, key)) {
+            if (const Value* found = (in<Owner>(e).*at).find(key)) return Rex::toJson(*found);
+         }
+      }
+      return Json(Json::value_t::discarded);
+   }
+   Write decodeElement(std::string_view text, const Json& json,
+                       const std::string& path) const override {
+      if constexpr (!isPtr<Value>) {
+         Key key{};
+         Value value{};
+         readKey(text, key);
+         fromJson(json, value, path);
+         if (described.keyOf && described.keyOf(value) != key) {
+            throw JsonError(path, "expected a value of the key " + keyToText(key));
+         }
+         return [this, key, value](Entity& e) { described.write(in<Owner>(e), key, value); };
+      }
+      return Member::decodeElement(text, json, path);
    }
    std::string keyFault(std::string_view text) const override { return keyTextFault<Key>(text); }
    bool removeKey(Entity& e, std::string_view text) const override {
@@ -137,6 +206,14 @@ struct CollectionOf : Member {
       return true;
    }
    std::string keyText(const AnyKey& key) const override { return keyToText(key.as<Key>()); }
+   AnyKey anyKey(std::string_view text) const override {
+      Key key{};
+      return keyFromText(text, key) ? AnyKey(key) : AnyKey();
+   }
+   Json keyToJson(std::string_view text) const override {
+      Key key{};
+      return keyFromText(text, key) ? Rex::toJson(key) : Json(Json::value_t::discarded);
+   }
    std::vector<std::string> keys(const Entity& e) const override {
       std::vector<std::string> texts;
       for (auto [key, value] : in<Owner>(e).*at) texts.push_back(keyToText(key));
@@ -144,6 +221,13 @@ struct CollectionOf : Member {
    }
 
  private:
+   static constexpr bool madeFromKey = [] {
+      if constexpr (isPtr<Value>) {
+         return std::is_constructible_v<Pointee<Value>, const Key&> &&
+                !std::is_abstract_v<Pointee<Value>>;
+      }
+      return false;
+   }();
    // The array becomes the collection's content: what it does not name goes, then each is written.
    Write decodeValues(const Json& json, const std::string& path) const {
       if (!json.is_array()) expected(json, path, "an array");
@@ -216,6 +300,51 @@ void describeType(std::vector<std::unique_ptr<Member>>& members) {
    }
 }
 
+// The types of an entity's keys, a base's first.
+template <class Owner, class T>
+boost::mp11::mp_list<T> keysOf(KeyMember<Owner, T>);
+template <class Other>
+boost::mp11::mp_list<> keysOf(Other);
+template <class T, int line>
+auto lineKeys() {
+   if constexpr (requires { T::rexMember(Line<line>()); }) {
+      return decltype(keysOf(T::rexMember(Line<line>())))();
+   } else {
+      return boost::mp11::mp_list<>();
+   }
+}
+template <class T, int... offsets>
+auto linesKeys(std::integer_sequence<int, offsets...>) {
+   return boost::mp11::mp_append<decltype(lineKeys<T, T::rexFirst + offsets>())...>();
+}
+template <class T>
+auto typeKeys() {
+   if constexpr (std::is_same_v<T, Entity>) {
+      return boost::mp11::mp_list<>();
+   } else {
+      using Lines = std::make_integer_sequence<int, T::rexLast - T::rexFirst + 1>;
+      return boost::mp11::mp_append<decltype(typeKeys<typename T::RexBase>()),
+                                    decltype(linesKeys<T>(Lines()))>();
+   }
+}
+template <class T, class... Keys>
+EntityType::KeyedMaker keyedMaker(boost::mp11::mp_list<Keys...>) {
+   if constexpr (sizeof...(Keys) && std::is_constructible_v<T, const Keys&...> &&
+                 !std::is_abstract_v<T>) {
+      return [](const std::vector<Json>& json) {
+         std::tuple<Keys...> keys;
+         size_t next = 0;
+         return std::apply(
+             [&](auto&... key) {
+                (fromJson(json.at(next++), key, "key"), ...);
+                return Ptr<Entity>(make<T>(std::as_const(key)...));
+             },
+             keys);
+      };
+   }
+   return nullptr;
+}
+
 template <class T>
 EntityType makeType(const char* name) {
    std::vector<std::unique_ptr<Member>> members;
@@ -224,7 +353,7 @@ EntityType makeType(const char* name) {
    if constexpr (std::is_default_constructible_v<T> && !std::is_abstract_v<T>) {
       maker = [] { return Ptr<Entity>(make<T>()); };
    }
-   return EntityType(name, std::move(maker), std::move(members));
+   return EntityType(name, std::move(maker), keyedMaker<T>(typeKeys<T>()), std::move(members));
 }
 
 }  // namespace Rex::detail

@@ -9,7 +9,9 @@
 namespace Statestore {
 
 EntityManager::EntityManager() : tree_(Rex::Context::current().service<Tree>()) {}
-EntityManager::~EntityManager() = default;
+EntityManager::~EntityManager() {
+   for (const auto& group : groups_) group->manager_ = nullptr;
+}
 
 Rex::Ptr<Rex::Entity> EntityManager::getEntity(std::string_view path) const {
    return find(splitPath(path)).entity;

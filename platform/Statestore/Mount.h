@@ -49,17 +49,19 @@ class MountGroup : public Rex::PtrInterface {
 
    void doMount(const Mount& mount);
    // No more mounts come. In a later turn of the loop they proceed, and end in one call of the
-   // mounter's doMountsComplete() with the first failure, or success. The arguments (whether a
-   // failure is forgiven, a name for it, a time limit in seconds with 0 for none) have no effect on
-   // the embedded store, which answers at once.
+   // mounter's doMountsComplete() with the first failure, or success; with a store outside the
+   // process only when what it holds was read, however long that takes. The arguments (whether a
+   // failure is forgiven, a name for it, a time limit in seconds with 0 for none) have no effect.
    void doClose(bool forgiving, const Rex::String& name, double timeLimit);
 
    const std::vector<Mount>& mounts() const { return mounts_; }
 
  private:
+   friend class EntityManager;
    void handleTurn();
+   void tell(MountStatus status);
 
-   EntityManager& manager_;
+   EntityManager* manager_;  // null when it went first
    Mounter& mounter_;
    Rex::Context& context_;
    Rex::Timer turn_;

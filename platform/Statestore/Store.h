@@ -20,7 +20,8 @@ struct Operation {
    enum class Kind {
       set,     // writes a field of a row; void when there is no such row
       make,    // makes the row of `field` below `row`, empty, in place of one that stands there;
-               // `value` is its type. Void when there is no row `row`; an empty `row` makes a root
+               // `value` is its type. Void when there is no row `row`. An empty `row` makes a
+               // root, never in place of one that stands: see ChangeResult::rootStands
       remove,  // removes a field of a row, and with a row's field that row and all below it
    };
    Kind kind;
@@ -54,8 +55,10 @@ struct Snapshot {
 
 enum class ChangeResult {
    made,
-   otherLife,  // the store was emptied since; nothing was changed
-   refused,    // by a store that has no memory left, or is read-only; nothing was changed
+   otherLife,   // the store was emptied since; nothing was changed
+   rootStands,  // a root that the change makes stands already, for another client was first. It is
+                // to be loaded; nothing was changed
+   refused,     // by a store that has no memory left, or is read-only; nothing was changed
 };
 
 // Who is told what the store does of itself.

@@ -2,6 +2,7 @@
 
 #include "Rex/Dir.h"
 #include "Rex/EntityType.h"
+#include "Statestore/Replica.h"
 
 namespace Statestore {
 namespace {
@@ -29,10 +30,13 @@ Rex::Ptr<Rex::Entity> Tree::entityIs(std::string_view path, std::string_view typ
    if (!made) return nullptr;
    Steps holder(steps.begin(), steps.end() - 1);
    if (auto dir = Rex::dynamicPtr<Rex::Dir>(find(holder).entity)) {
+      // Nobody has written it: another process may have.
+      if (replica_) replica_->unwrittenIs(*made);
       dir->entityPtrIs(Rex::String(steps.back()), made);
    } else {
       made->bornIs();
       entities_.emplace(join(steps), made);
+      if (replica_) replica_->rootIs(join(steps), made);
    }
    return made;
 }

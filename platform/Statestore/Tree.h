@@ -13,6 +13,8 @@
 
 namespace Statestore {
 
+class Replica;
+
 // What stands at a path or below it.
 struct Found {
    Rex::Ptr<Rex::Entity> entity;  // null: the steps lead nowhere
@@ -32,7 +34,12 @@ class Tree {
    // All paths of the tree in order; entries of directories are not paths of their own.
    std::vector<std::string> paths() const;
 
+   // What follows this tree in a store outside the process; null when the tree is all there is.
+   Replica* replica() const { return replica_; }
+   void replicaIs(Replica* replica) { replica_ = replica; }
+
  private:
+   Replica* replica_ = nullptr;
    std::map<std::string, Rex::Ptr<Rex::Entity>, std::less<>> entities_;
 };
 

@@ -1,0 +1,85 @@
+#include "Statestore/RowSm.h"
+
+#include "Statestore/Place.h"
+#include "Statestore/RowTable.h"
+
+namespace Statestore {
+
+RowSm::RowSm(RowTable& table, Rex::Ptr<Rex::Entity> entity, RowSm* holder, std::string path,
+             State state)
+    : table_(table),
+      entity_(std::move(entity)),
+      holder_(holder),
+      path_(std::move(path)),
+      state_(state),
+      authored_(state == State::fresh ? ~uint64_t{0} : 0) {
+   onAny(entity_, &RowSm::handleAny);
+
+   handleInitialized();
+}
+
+void RowSm::handleInitialized() {
+   table_.rowIs(*this);
+   for (const auto& member : entity_->entityType().members()) {
+      if (member->kind == Rex::MemberKind::pointer) follow(*member, {}, state_);
+      if (member->kind != Rex::MemberKind::children) continue;
+      for (const std::string& key : member->keys(*entity_)) follow(*member, key, state_);
+   }
+}
+
+void RowSm::doClose() {
+   children_.clear();
+   table_.rowDel(*this);
+   entity_ = nullptr;
+}
+
+std::string_view RowSm::field() const {
+   std::string_view path(path_);
+   if (holder_) path.remove_prefix(holder_->path_.size() + 1);
+   return path;
+}
+
+void RowSm::allStatesIs(State state) {
+   state_ = state;
+   for (auto [field, row] : children_.all()) row->allStatesIs(state);
+}
+
+void RowSm::authoredIs(const Rex::Member& member, bool authored) {
+   authored_ = authored ? authored_ | bit(member) : authored_ & ~bit(member);
+}
+
+void RowSm::handleAny(const Rex::Change& change) {
+   const Rex::Member* member = entity_->entityType().member(change.attribute);
+   if (!member) return;
+   switch (member->kind) {
+      case Rex::MemberKind::children:
+         if (!follow(*member, member->keyText(change.key), State::fresh)) return;
+         break;
+      case Rex::MemberKind::pointer:
+         follow(*member, {}, State::fresh);
+         break;
+      default:
+         break;
+   }
+   if (table_.applying.ended(*this, *member, change.key)) return;
+   authoredIs(*member, true);
+   // A fresh row goes out whole.
+   if (state_ != State::fresh && root().loaded()) table_.note(*this, *member, change.key);
+}
+
+bool RowSm::follow(const Rex::Member& member, const std::string& key, State fresh) {
+   auto target = member.child(*entity_, key);
+   const Rex::String field(fieldOf(*entity_, member, key));
+   auto standing = children_.get(field);
+   if (standing && standing->entity() == target) return false;
+   children_.erase(field);
+   if (!target || !table_.owns(*this, member, *target)) return true;
+   std::string path = path_ + '/' + field.stdString();
+   State state = table_.applying.puts(*target)   ? State::standing
+                 : table_.takeUnwritten(*target) ? State::unwritten
+                                                 : fresh;
+   children_.make(field, table_, target, this, path, state);
+   return state != State::unwritten;
+}
+
+}  // namespace Statestore
