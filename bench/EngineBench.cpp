@@ -17,50 +17,60 @@ namespace {
 
 using LldpTest::Engine;
 
+// Who the neighbours are, and whether the machines run that answer telephones.
+struct Cast {
+   uint32_t neighbours;
+   size_t ports;
+   uint32_t perPhone = 0;  // one of so many is a telephone; 0 for none
+   bool answered = false;
+   bool operator==(const Cast&) const = default;
+};
+
 // An engine whose neighbours are spread over its ports in turn. Their table is filled in one random
-// order and read in another, so that neither memory nor caches see a pattern. With `answered` they
-// are telephones that ask for power and a policy, each by an address of its own, and the machines
-// run that answer them.
+// order and read in another, so that neither memory nor caches see a pattern. Telephones ask for
+// power and a policy, each by an address of its own.
 class Crowd {
  public:
-   Crowd(uint32_t neighbours, size_t ports, bool answered)
-       : frame_(LldpTest::ethFrame(answered ? telephone() : LldpTest::typicalLldpdu())),
-         neighbours_(neighbours),
-         answered_(answered) {
+   explicit Crowd(const Cast& cast) : cast_(cast) {
       context_.context().logSink = nullptr;
       engine_.open();
-      if (answered) endpoints_.start();
-      for (size_t i = 0; i < ports; ++i) {
+      if (cast.answered) endpoints_.start();
+      for (size_t i = 0; i < cast.ports; ++i) {
          auto port = engine_.port("Ethernet" + std::to_string(i + 1));
          port.segment->tap = nullptr;
-         port.portConfig->maxRemoteSystemsIs(neighbours);
+         port.portConfig->maxRemoteSystemsIs(cast.neighbours);
          port.portConfig->rxRateLimitEnabledIs(false);
          port.localPort->initilizeLocalPortPoeInfo();
          ports_.push_back(port);
       }
       context_.settle();
       for (const auto& port : ports_) pams_.push_back(engine_.pam(port.intfId));
-      std::vector<uint32_t> order(neighbours);
-      for (uint32_t n = 0; n < neighbours; ++n) order[n] = n;
+      std::vector<uint32_t> order(cast.neighbours);
+      for (uint32_t n = 0; n < cast.neighbours; ++n) order[n] = n;
       std::shuffle(order.begin(), order.end(), random_);
       size_t before = memory();
       for (uint32_t n : order) receive(n);
-      octetsPerNeighbour_ = double(memory() - before) / neighbours;
+      octetsPerNeighbour_ = double(memory() - before) / cast.neighbours;
    }
 
-   bool isOf(uint32_t neighbours, size_t ports, bool answered) const {
-      return neighbours == neighbours_ && ports == ports_.size() && answered == answered_;
-   }
+   const Cast& cast() const { return cast_; }
    double octetsPerNeighbour() const { return octetsPerNeighbour_; }
-   size_t phones() const { return endpoints_.status->phones(); }
-   void receiveAny() { receive(static_cast<uint32_t>(random_() % neighbours_)); }
+   // Whether all are known, and the telephones as such where that is of interest.
+   bool whole() const {
+      uint32_t phones = 0;
+      for (uint32_t n = 0; n < cast_.neighbours; ++n) phones += isPhone(n);
+      return known() == cast_.neighbours &&
+             endpoints_.status->phones() == (cast_.answered ? phones : 0);
+   }
+   void receiveAny() { receive(static_cast<uint32_t>(random_() % cast_.neighbours)); }
+
+ private:
+   bool isPhone(uint32_t n) const { return cast_.perPhone && n % cast_.perPhone == 0; }
    size_t known() const {
       size_t all = 0;
       for (const auto& port : ports_) all += port.portStatus->remoteSystems();
       return all;
    }
-
- private:
    static std::string telephone() {
       return LldpTest::mandatory(1, 65535) + LldpTest::systemCapabilities(0x24, 0x24) +
              LldpTest::organization(LldpTest::dot3, 2, LldpTest::octets("0802056200820082")) +
@@ -74,12 +84,13 @@ class Crowd {
    // The frame of neighbour `n`. It is made from one that stays in the cache, as a frame does that
    // the device has just delivered.
    void receive(uint32_t n) {
+      std::string& frame = isPhone(n) ? phoneFrame_ : frame_;
       for (size_t i = 0; i < 4; ++i) {
-         frame_[numberAt + i] = static_cast<char>(n >> (24 - 8 * i));
-         if (answered_) frame_[sourceAt + i] = frame_[numberAt + i];
+         frame[numberAt + i] = static_cast<char>(n >> (24 - 8 * i));
+         if (cast_.perPhone) frame[sourceAt + i] = frame[numberAt + i];
       }
       context_.timeIs(context_.now() + 10e-6);
-      pams_[n % pams_.size()]->rxFrameIs(LldpTest::octetsOf(frame_), {});
+      pams_[n % pams_.size()]->rxFrameIs(LldpTest::octetsOf(frame), {});
       context_.settle();
    }
 
@@ -93,38 +104,39 @@ class Crowd {
    LldpTest::Endpoints endpoints_{engine_};
    std::vector<Engine::Port> ports_;
    std::vector<Wirekit::Pam::Ptr> pams_;
-   std::string frame_;
+   std::string frame_ = LldpTest::ethFrame(LldpTest::typicalLldpdu());
+   std::string phoneFrame_ = LldpTest::ethFrame(telephone());
    std::mt19937 random_{1};
-   uint32_t neighbours_;
-   bool answered_;
+   const Cast cast_;
    double octetsPerNeighbour_ = 0;
 };
 
-void receiveRefreshes(benchmark::State& state, bool answered) {
+void receiveRefreshes(benchmark::State& state, const Cast& cast) {
    static std::unique_ptr<Crowd> crowd;  // kept between the runs of one set of arguments
-   auto neighbours = static_cast<uint32_t>(state.range(0));
-   auto ports = static_cast<size_t>(state.range(1));
-   if (!crowd || !crowd->isOf(neighbours, ports, answered)) {
+   if (!crowd || crowd->cast() != cast) {
       crowd.reset();
-      crowd = std::make_unique<Crowd>(neighbours, ports, answered);
+      crowd = std::make_unique<Crowd>(cast);
    }
    for (auto _ : state) crowd->receiveAny();
    state.counters["octetsPerNeighbour"] = crowd->octetsPerNeighbour();
-   if (crowd->known() != neighbours) state.SkipWithError("neighbours lost");
-   if (answered && crowd->phones() != neighbours) state.SkipWithError("telephones lost");
+   if (!crowd->whole()) state.SkipWithError("neighbours or telephones lost");
 }
 
 // Arguments: neighbours, ports. To be compared along the first.
 void engineFrame(benchmark::State& state) {
-   receiveRefreshes(state, false);
+   receiveRefreshes(state,
+                    {static_cast<uint32_t>(state.range(0)), static_cast<size_t>(state.range(1))});
 }
 BENCHMARK(engineFrame)->ArgsProduct({{10, 1000, 100000}, {1, 48, 512}});
 
-// The same of telephones, with the machines that answer them.
+// The same with telephones: one among so many neighbours, as the third argument tells, each of them
+// at the worst. The fourth: whether the machines run that answer them.
 void endpointFrame(benchmark::State& state) {
-   receiveRefreshes(state, true);
+   receiveRefreshes(state,
+                    {static_cast<uint32_t>(state.range(0)), static_cast<size_t>(state.range(1)),
+                     static_cast<uint32_t>(state.range(2)), state.range(3) != 0});
 }
-BENCHMARK(endpointFrame)->ArgsProduct({{10, 1000, 100000}, {512}});
+BENCHMARK(endpointFrame)->ArgsProduct({{10, 100000}, {512}, {100, 1}, {0, 1}});
 
 // Ten minutes of an agent with this many ports and no neighbours. What wakes a port: its frame, the
 // change from delay to idle two seconds later, and the rate-limit period; 5 for each 30 seconds.

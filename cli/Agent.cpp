@@ -13,6 +13,8 @@ namespace {
 
 using Names = std::set<std::string, PortOrder>;
 
+constexpr const char* mergedStatus = "l2discovery/lldp/status/all";
+
 // A collection comes as an object by key, or as a list of keys where its members live elsewhere.
 Names namesIn(const Json& members) {
    Names names;
@@ -46,7 +48,8 @@ bool PortOrder::operator()(const std::string& a, const std::string& b) const {
 Agent::Agent(const Session& session) : client_(session.socketPath, session.patience) {
    Json agent = client_.get("/v1/agent");
    now_ = agent.at("time").get<double>();
-   statusPath_ = fmt::format("l2discovery/lldp/status/local/{}", agent.at("cell").get<int>());
+   cell_ = agent.at("cell").get<int>();
+   ownStatus_ = fmt::format("l2discovery/lldp/status/local/{}", cell_);
 }
 
 Json Agent::entity(const std::string& path, int levels) {
@@ -54,23 +57,15 @@ Json Agent::entity(const std::string& path, int levels) {
 }
 
 std::optional<Json> Agent::findPort(const std::string& path, std::string_view collection,
-                                    std::string_view port) {
+                                    std::string_view port, const std::string& query) {
    if (port.empty()) return std::nullopt;
-   return client_.find(fmt::format("/v1/entity/{}/{}/{}", path, collection, Client::step(port)));
+   return client_.find(
+       fmt::format("/v1/entity/{}/{}/{}{}", path, collection, Client::step(port), query));
 }
 
-Ports Agent::ports(const std::string& path, std::string_view collection,
-                   const std::optional<std::string>& port) {
+Ports Agent::ports(const std::string& path, std::string_view collection) {
    Ports found;
-   if (port) {
-      if (auto member = findPort(path, collection, *port)) {
-         found.emplace(*port, *std::move(member));
-         return found;
-      }
-   }
-   Names names = namesIn(entity(path, 0).at(std::string(collection)));
-   if (port) noSuchPort(*port, names);
-   for (const std::string& name : names) {
+   for (const std::string& name : namesIn(entity(path, 0).at(std::string(collection)))) {
       // One that went away in between is not missed.
       if (auto member = findPort(path, collection, name)) found.emplace(name, *std::move(member));
    }
@@ -86,9 +81,44 @@ Ports Agent::portsIn(const Json& members, const std::optional<std::string>& port
    return found;
 }
 
+std::optional<Json> Agent::findTable(const std::string& path) {
+   return client_.find(fmt::format("/v1/entity/{}?depth=0", path));
+}
+
 std::vector<std::string> Agent::portNames() {
-   Names names = namesIn(entity(statusPath_, 0).at("portStatus"));
+   Names names;
+   for (const std::string& path : {std::string(mergedStatus), ownStatus_}) {
+      if (auto status = findTable(path)) names.merge(namesIn(status->at("portStatus")));
+   }
    return {names.begin(), names.end()};
+}
+
+std::optional<Json> Agent::findPortStatus(const std::string& port, bool withNeighbors) {
+   const char* query = withNeighbors ? "" : "?depth=0";
+   auto merged = findPort(mergedStatus, "portStatus", port, query);
+   return merged ? merged : findPort(ownStatus_, "portStatus", port, query);
+}
+
+Ports Agent::portStatuses(const std::optional<std::string>& port, bool withNeighbors) {
+   Ports found;
+   for (const std::string& name : port ? std::vector{*port} : portNames()) {
+      auto status = findPortStatus(name, withNeighbors);
+      if (status) found.emplace(name, *std::move(status));
+   }
+   if (port && found.empty()) {
+      auto names = portNames();
+      noSuchPort(*port, {names.begin(), names.end()});
+   }
+   return found;
+}
+
+// A table without ports is kept by nobody, or says no more than this supervisor's own.
+Json Agent::table() {
+   auto merged = findTable(mergedStatus);
+   if (merged && !merged->at("portStatus").empty()) return *std::move(merged);
+   auto own = findTable(ownStatus_);
+   if (!own && merged) return *std::move(merged);
+   return own ? *std::move(own) : entity(ownStatus_, 0);
 }
 
 }  // namespace LldpCli

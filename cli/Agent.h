@@ -26,28 +26,40 @@ class Agent {
 
    // Seconds on the agent's clock, which its entities' times stand on, when it was asked last.
    double now() const { return now_; }
-   // Path of what this agent's cell has learned.
-   const std::string& statusPath() const { return statusPath_; }
+   // The number of its supervisor.
+   int cell() const { return cell_; }
 
    // An entity by its path. `levels` of what it owns come with it, and of what is deeper only that
    // it is there.
    Json entity(const std::string& path, int levels);
-   // The members of one of its collections, by port: all, or the one of `port`. They are read one
-   // by one, so that no answer grows with the number of ports. Throws Failure that says which
-   // ports there are when there is no such port.
-   Ports ports(const std::string& path, std::string_view collection,
-               const std::optional<std::string>& port);
-   // Likewise from the members of a collection that has been read.
+   // The members of one of its collections, by port. They are read one by one, so that no answer
+   // grows with the number of ports.
+   Ports ports(const std::string& path, std::string_view collection);
+   // From the members of a collection that has been read: all, or the one of `port`. Throws Failure
+   // that says which ports there are when there is no such port.
    static Ports portsIn(const Json& members, const std::optional<std::string>& port);
-   // Of all ports on which the agent speaks, in their order.
-   std::vector<std::string> portNames();
    std::optional<Json> findPort(const std::string& path, std::string_view collection,
-                                std::string_view port);
+                                std::string_view port, const std::string& query = "");
+
+   // What was learned on the ports of both supervisors. The active one keeps a table of both; what
+   // is not in that, where nobody keeps it, is this supervisor's own.
+   //
+   // Of all ports on which LLDP is spoken, in their order.
+   std::vector<std::string> portNames();
+   // The status of all ports, or of `port`; without the neighbors' words, if those are not wanted.
+   // Throws Failure as portsIn() does.
+   Ports portStatuses(const std::optional<std::string>& port, bool withNeighbors = true);
+   std::optional<Json> findPortStatus(const std::string& port, bool withNeighbors = true);
+   // Counters and times of the whole.
+   Json table();
 
  private:
    Client client_;
    double now_ = 0;
-   std::string statusPath_;
+   int cell_ = 0;
+   std::string ownStatus_;  // path of what this supervisor has learned
+
+   std::optional<Json> findTable(const std::string& path);
 };
 
 }  // namespace LldpCli

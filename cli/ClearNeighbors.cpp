@@ -12,8 +12,9 @@ namespace {
 
 size_t countNeighbors(Agent& agent) {
    size_t count = 0;
-   Json status = agent.entity(agent.statusPath(), 1);
-   for (const Json& port : status.at("portStatus")) count += port.at("remoteSystem").size();
+   for (const auto& [name, port] : agent.portStatuses(std::nullopt, false)) {
+      count += port.at("remoteSystem").size();
+   }
    return count;
 }
 

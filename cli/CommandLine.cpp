@@ -10,6 +10,7 @@
 #include "cli/ClearPhones.h"
 #include "cli/Completion.h"
 #include "cli/ConfigSave.h"
+#include "cli/DebugRedundancy.h"
 #include "cli/Failure.h"
 #include "cli/Help.h"
 #include "cli/Man.h"
@@ -90,6 +91,7 @@ void describe(CLI::App& app, Session& session) {
    addClearNeighbors(clear, session);
    addClearPhones(clear, session);
    addTrace(app, session);
+   addDebugRedundancy(addGroup(app, "debug", "for tests and repairs"), session);
    addCompletion(app, session);
    addMan(app, session);
    name(app);

@@ -6,6 +6,7 @@
 
 #include "Rex/Printable.h"
 #include "cli/Agent.h"
+#include "cli/DebugRedundancy.h"
 #include "cli/Failure.h"
 #include "cli/SettingWords.h"
 
@@ -160,6 +161,7 @@ Words argumentWords(const Place& place, Session& session) {
    if (name == "LEVELS") return {"all", "off"};
    if (name == "SHELL") return shells();
    if (name == "PHONE") return {"yes", "no"};
+   if (name == "ROLE") return nextRoleWords(place.arguments);
    if (name != "SETTING") return {};
    Words next = nextWords(place.arguments, place.command->get_name() == "set");
    return next == Words{std::string(Setting::ports)} ? portsBehind(place.word, session) : next;

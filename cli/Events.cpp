@@ -25,11 +25,12 @@ std::string localTime(double time) {
 }
 
 std::string reasonWords(const std::string& reason) {
-   return reason == "shutdown"   ? "shut down"
-          : reason == "timedOut" ? "timed out"
-          : reason == "cleared"  ? "cleared"
-          : reason == "portLost" ? "port lost"
-                                 : reason;
+   return reason == "shutdown"          ? "shut down"
+          : reason == "timedOut"        ? "timed out"
+          : reason == "cleared"         ? "cleared"
+          : reason == "portLost"        ? "port lost"
+          : reason == "otherSupervisor" ? "by the other supervisor"
+                                        : reason;
 }
 
 std::string identity(const Json& neighbor) {

@@ -38,6 +38,9 @@ bool isSent(const LocalTlv& tlv, const Json& portConfig) {
 constexpr const char* fallback = "powerFallbackWatts";
 constexpr const char* external = "externalTlvs";
 
+// The TLV that carries an acknowledgement is the last one to go out.
+constexpr unsigned lastOui = 0x001b21;
+
 bool asksFor(const Json& row, const Json& tlv) {
    const Json wishes = row.value("tlv", Json::array());
    return std::ranges::find(wishes, tlv) != wishes.end();
@@ -46,7 +49,8 @@ bool asksFor(const Json& row, const Json& tlv) {
 std::string externalTlvWords(const Json& tlv) {
    std::string words = unknownOrganizationTlvWords(tlv);
    const Json& asking = tlv.at("providers");
-   return asking.empty() ? words : words + ", from " + listWords(asking);
+   if (!asking.empty()) words += ", from " + listWords(asking);
+   return tlv.at("sent") == true ? words : words + ", not sent";
 }
 
 }  // namespace
@@ -65,6 +69,7 @@ void putExternalTlvs(Json& view, const std::string& port, const Json& localPort,
    const Json& sent = localPort.at("unknownOrgDefTlv");
    if (sent.empty()) return;
    Json list = neighborItem("unknownOrgDefTlv")->view(sent);
+   bool out = true;
    for (size_t i = 0; i < sent.size(); ++i) {
       Json asking = Json::array();
       for (const auto& [name, provider] : providers.items()) {
@@ -74,6 +79,8 @@ void putExternalTlvs(Json& view, const std::string& port, const Json& localPort,
          }
       }
       list[i]["providers"] = asking;
+      list[i]["sent"] = out;
+      if (sent[i].at("key").at("oui").at("value") == lastOui) out = false;
    }
    view[external] = list;
 }

@@ -19,8 +19,7 @@ std::string linkName(const Json& portStatus) {
 Json interfacesOf(Agent& agent) {
    Json portConfigs = agent.entity("l2discovery/lldp/config", 1).at("portConfig");
    Json list = Json::array();
-   for (const auto& [port, status] :
-        agent.ports("interface/status/eth/phy/all", "intfStatus", std::nullopt)) {
+   for (const auto& [port, status] : agent.ports("interface/status/eth/phy/all", "intfStatus")) {
       Json view{{"port", Rex::printable(port)}};
       // The status of a port and that of the device behind it come and go by themselves.
       if (auto intf = agent.findPort("interface/status/all", "intfStatus", port)) {

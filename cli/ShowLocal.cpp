@@ -31,8 +31,13 @@ void putText(Json& view, const char* name, const Json& from) {
 }
 
 // Those that go out, in the order in which they do.
-Json managementAddresses(const Json& system, uint32_t most) {
+Json managementAddresses(const Json& system, const Json& config) {
    Json list = Json::array();
+   bool sent = std::ranges::any_of(config.at("portConfig"), [](const Json& port) {
+      return port.at("mgmtAddrTxEnable") == true;
+   });
+   if (!sent) return list;
+   uint32_t most = config.at("maxTxMgmtAddrs").get<uint32_t>();
    const Json& ip6 = system.at("ip6ManagementAddress");
    if (!octets(ip6.at("key").at("manAddr")).empty()) list.push_back(managementAddress(ip6));
    const Json& rows = system.at("managementAddress");
@@ -64,8 +69,7 @@ Json localView(const Json& system, const Json& config, const Json& providers, co
    putText(view, "systemName", system.at("sysName"));
    putText(view, "systemDescription", system.at("sysDesc"));
    view["capabilities"] = capabilities(system.at("sysCapSupported"), system.at("sysCapEnabled"));
-   view["managementAddresses"] =
-       managementAddresses(system, config.at("maxTxMgmtAddrs").get<uint32_t>());
+   view["managementAddresses"] = managementAddresses(system, config);
    view["timers"] = {{"transmitInterval", config.at("messageTxInterval")},
                      {"holdTime", config.at("messageTxHoldTime")},
                      {"reinitDelay", config.at("reinitDelay")},

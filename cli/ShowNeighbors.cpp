@@ -51,8 +51,7 @@ void printDetail(std::ostream& out, const Json& neighbors, const Terminal& termi
 
 void run(const Options& options, Session& session) {
    Agent agent(session);
-   Json neighbors =
-       neighborsOf(agent.ports(agent.statusPath(), "portStatus", options.port), agent.now());
+   Json neighbors = neighborsOf(agent.portStatuses(options.port), agent.now());
    if (options.json) {
       session.out << Json{{"neighbors", neighbors}}.dump(2) << "\n";
    } else if (neighbors.empty()) {

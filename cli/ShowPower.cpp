@@ -48,7 +48,7 @@ Json powerOf(Agent& agent, const std::optional<std::string>& port) {
    Json config = agent.entity("l2discovery/lldp/config", 1).at("portConfig");
    Json reports = agent.entity("environment/power/status/poePort", 1).at("entityPtr");
    Json list = Json::array();
-   for (const auto& [name, portStatus] : agent.ports(agent.statusPath(), "portStatus", port)) {
+   for (const auto& [name, portStatus] : agent.portStatuses(port)) {
       Json view{{"port", Rex::printable(name)}};
       if (reports.contains(name) && reports.at(name).contains("portStatus")) {
          const Json& report = reports.at(name).at("portStatus");

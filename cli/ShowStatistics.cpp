@@ -124,9 +124,7 @@ void printAll(std::ostream& out, const Json& view, const Terminal& terminal) {
 void run(const Options& options, Session& session) {
    Agent agent(session);
    // The ports' counters, and of the neighbors how many there are.
-   Json status = agent.entity(agent.statusPath(), 1);
-   Json view =
-       statisticsView(status, Agent::portsIn(status.at("portStatus"), options.port), agent.now());
+   Json view = statisticsView(agent.table(), agent.portStatuses(options.port, false), agent.now());
    if (options.json) {
       session.out << Json{{"statistics", view}}.dump(2) << "\n";
    } else if (options.port) {

@@ -43,7 +43,7 @@ void run(const Options& options, Session& session) {
                                Rex::printable(*options.port)));
    }
    Agent agent(session);
-   bool there = !options.port || agent.findPort(agent.statusPath(), "portStatus", *options.port);
+   bool there = !options.port || agent.findPortStatus(*options.port, false);
    if (!there && !options.json) {
       session.out << fmt::format("no port {} yet; waiting for it\n", *options.port) << std::flush;
    }

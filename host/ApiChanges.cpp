@@ -6,7 +6,6 @@
 #include "host/ApiMessage.h"
 #include "host/ApiTarget.h"
 #include "host/Settings.h"
-#include "model/CliConfig.h"
 
 namespace Host {
 
@@ -70,7 +69,7 @@ unsigned ApiChanges::patch(const Change& change) {
    if (!row) nothingAt(change.steps);
    requireWritable(row->root);
    auto write = checked(*row->type, change.body);
-   if (ApiAccess::isReplacedAsWhole(*row->type)) requireOwnTlvs(change.steps, change.body);
+   rules_.check(change.steps, *row->type, change.body);
    writeRow(row, change.steps, write);
    return 204;
 }
@@ -122,7 +121,7 @@ void ApiChanges::make(const Change& change, const Place& place) {
                      "GET, DELETE");
    }
    auto write = checked(*type, change.body);
-   if (ApiAccess::isReplacedAsWhole(*type)) requireOwnTlvs(change.steps, change.body);
+   rules_.check(change.steps, *type, change.body);
    auto row = std::make_shared<Row>(Row{nullptr, type, place.holder->root});
    rows_[change.steps] = row;
    // As one reaction, so that the new row is filled before its key is reported.
@@ -198,6 +197,7 @@ void ApiChanges::removeMember(const Change& change) {
       counted = rowCounts_.erase(counted);
    }
    rows_[change.steps] = nullptr;
+   rules_.rowGoes(change.steps);
    bool entry = from.holder->type == &Rex::Dir::staticType();
    writeRow(from.holder, above(change.steps, entry ? 1 : 2),
             [from](Rex::Entity& holder) { from.member->removeKey(holder, from.key); });
@@ -247,34 +247,6 @@ Rex::Ptr<Rex::Entity> ApiChanges::fresh(const Steps& steps) const {
    const Rex::Member* member =
        holder ? holder->entityType().member(steps[steps.size() - 2]) : nullptr;
    return member ? member->makeChild(*holder, steps.back()) : nullptr;
-}
-
-// The path is .../externalTlvs/<provider>/externalTlvPortConfig/<port>. Two providers that ask for
-// one TLV on a port would end the agent, and of two with one key the last writer would win.
-void ApiChanges::requireOwnTlvs(const Steps& steps, const Rex::Json& body) {
-   const std::string& provider = steps[steps.size() - 3];
-   Wirekit::IntfId port{steps.back()};
-   Lldp::ExternalTlvPortConfig wish(port);
-   Rex::decodeEntity(wish.entityType(), body, {})(wish);
-   RowPtr holder = find(above(steps, 3));
-   auto dir = Rex::dynamicPtr<Rex::Dir>(holder ? holder->entity : nullptr);
-   if (!dir) return;
-   for (auto [key, tlv] : wish.tlv()) {
-      auto claim = std::pair(steps.back(), Rex::valueToString(key).stdString());
-      std::string other = providers_.try_emplace(claim, provider).first->second;
-      for (auto [name, entity] : dir->entityPtr()) {
-         auto standing = Rex::dynamicPtr<Lldp::ExternalTlvConfig>(entity);
-         auto row = standing ? standing->externalTlvPortConfig(port) : nullptr;
-         if (row && row->tlvHas(key) && name.view() != provider) other = name.stdString();
-      }
-      if (other == provider) continue;
-      throw ApiError(409,
-                     "tlv: provider " + inQuotes(other) +
-                         " has a TLV of that organisation, "
-                         "subtype and index on " +
-                         steps.back() + "; choose another one",
-                     "tlv");
-   }
 }
 
 void ApiChanges::requireWritable(const std::string& root) const {

@@ -11,6 +11,7 @@
 #include "Rex/EntityType.h"
 #include "Statestore/EntityManager.h"
 #include "host/ApiAccess.h"
+#include "host/ApiRules.h"
 
 namespace Host {
 
@@ -24,7 +25,7 @@ class ApiChanges {
    };
 
    ApiChanges(Statestore::EntityManager& entityManager, const ApiAccess& access)
-       : entityManager_(entityManager), access_(access) {}
+       : entityManager_(entityManager), access_(access), rules_(entityManager) {}
 
    // Checks one more change and notes what makes it. Returns the status of its answer. Throws
    // ApiError.
@@ -65,13 +66,12 @@ class ApiChanges {
    Place place(const Statestore::Steps& steps) const;
    Rex::Ptr<Rex::Entity> fresh(const Statestore::Steps& steps) const;
    void requireWritable(const std::string& root) const;
-   void requireOwnTlvs(const Statestore::Steps& steps, const Rex::Json& body);
 
    Statestore::EntityManager& entityManager_;
    const ApiAccess& access_;
    std::map<Statestore::Steps, RowPtr> rows_;       // made by these changes; null: removed by them
    std::map<Statestore::Steps, size_t> rowCounts_;  // of collections, with these changes
-   std::map<std::pair<std::string, std::string>, std::string> providers_;  // by port and TLV key
+   ApiRules rules_;
    std::vector<std::function<void()>> writes_;
 };
 

@@ -69,6 +69,7 @@ Daemon::Daemon(const Options& options)
    pamMaker_ = std::make_shared<Interface::LinuxPamMaker>(loop_);
    context_.serviceIs<Interface::PamMaker>(pamMaker_);
    agent_ = module_->makeAgent("Lldp");
+   startRedundancy();
    loadConfig();
    startFeeders();
    startApi();
@@ -91,6 +92,18 @@ void Daemon::checkPlatform() const {
    close(fd);
 }
 
+// Before the agent asks for its mounts, at whose end it looks at its role.
+void Daemon::startRedundancy() {
+   auto& manager = *agent_->entityManager();
+   auto restart = [this](Role role) {
+      restartAs_ = role;
+      loop_.stop();
+   };
+   redundancySm_.make(redundancyIn(manager, options_.redundancy),
+                      fedEntity<Rex::Dir>(manager, "l2discovery/lldp/status/local"),
+                      RedundancySm::Reactions{[this] { feeders_->activeIs(); }, restart});
+}
+
 // The agent finds the operator's entities at its mounts, filled.
 void Daemon::loadConfig() {
    config_.emplace(agent_->entityManager());
@@ -103,7 +116,7 @@ void Daemon::startFeeders() {
    names_.emplace(options_.ports, options_.stateDir + "/ports.json");
    feeders_.emplace(Feeders::Setup{agent_->entityManager(), loop_, *names_, options_.feeders,
                                    options_.served(), options_.devices.empty()});
-   feeders_->start();
+   feeders_->start(redundancySm_.get()->isActive());
    auto& manager = *agent_->entityManager();
    powerFallback_.make(fedEntity<Lldp::Config>(manager, "l2discovery/lldp/config"),
                        fedEntity<Lldp::CliConfig>(manager, "l2discovery/lldp/cliConfig"));
@@ -151,12 +164,21 @@ void Daemon::start() {
    ready_.timeMinIs(0);
 }
 
-void Daemon::run() {
+std::optional<Role> Daemon::run() {
    loop_.run(context_);
+   if (restartAs_) {
+      sd_notify(0, "STATUS=beginning anew in another role");
+      stopApi();
+      // The sockets' files and locks, which the next to come wants.
+      readSocket_.reset();
+      socket_.reset();
+      return restartAs_;
+   }
    sd_notify(0, "STOPPING=1");
    stopApi();
    // As one handler, so that what still watches is told when all of it is over.
    Rex::Dispatcher::run([this] { module_->cleanUp(*agent_); });
+   return std::nullopt;
 }
 
 // The mounts end in the first pass of the timers, and in the second the ports are opened.

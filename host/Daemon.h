@@ -16,6 +16,7 @@
 #include "host/Module.h"
 #include "host/Options.h"
 #include "host/PowerFallback.h"
+#include "host/Redundancy.h"
 #include "host/Watch/EntityStreams.h"
 #include "host/Watch/LldpEvents.h"
 
@@ -29,12 +30,15 @@ class Daemon {
 
    // Starts the agent. Throws std::system_error when it cannot have its files.
    void start();
-   // Runs until SIGTERM or SIGINT, then stops in order.
-   void run();
+   // Runs until SIGTERM or SIGINT, then stops in order and returns nothing. Where the agent cannot
+   // take up a role that it is given, it returns that role, and the process has to begin anew at
+   // once: the agent stands still, and what it wrote stays for the supervisor that is active now.
+   std::optional<Role> run();
 
  private:
    void checkPlatform() const;
    void loadConfig();
+   void startRedundancy();
    void startFeeders();
    void startApi();
    void stopApi();
@@ -57,6 +61,8 @@ class Daemon {
    std::optional<PortNames> names_;
    std::optional<Feeders> feeders_;
    Rex::OwnedMachine<PowerFallback> powerFallback_;
+   Rex::OwnedMachine<RedundancySm> redundancySm_;
+   std::optional<Role> restartAs_;
    std::optional<ApiEntities> entities_;
    std::optional<LldpEvents> events_;
    std::optional<EntityStreams> streams_;

@@ -8,6 +8,7 @@
 
 #include "Rex/Printable.h"
 #include "host/Feeders/Feeders.h"
+#include "host/File.h"
 #include "host/PortNames.h"
 #include "host/StartError.h"
 
@@ -35,6 +36,8 @@ While it runs:
   curl --unix-socket /run/lldp-agentd/api.sock -X PATCH -d '{"messageTxInterval": 5}' \
       http://switch/v1/entity/l2discovery/lldp/cliConfig
 )";
+
+const std::map<std::string, Role> roles{{"active", Role::active}, {"standby", Role::standby}};
 
 [[noreturn]] void refuse(const char* option, const std::string& value, const std::string& words) {
    throw StartError(std::string(option) + " " + Rex::printable(value) + ": " + words);
@@ -104,6 +107,32 @@ void takeTrace(Options& options, const std::string& text) {
    }
 }
 
+// Where the store is, and the password for it.
+void takeStore(Options& options, const std::optional<std::string>& url,
+               const std::string& passwordFile) {
+   constexpr const char* fileOption = "--store-password-file";
+   if (!url) {
+      if (!passwordFile.empty())
+         refuse(fileOption, passwordFile, "of which store? It needs --store");
+      return;
+   }
+   try {
+      options.store = Redis::StoreUrl::parse(*url);
+   } catch (const Redis::StoreUrlError& error) {
+      // Without the URL, which may hold a password.
+      throw StartError(std::string("--store: ") + error.what());
+   }
+   if (passwordFile.empty()) return;
+   constexpr size_t longestFile = 4096;
+   auto content = readWhole(passwordFile, longestFile);
+   if (!content) refuse(fileOption, passwordFile, "there is no such file");
+   try {
+      options.store->passwordIs(*content);
+   } catch (const Redis::StoreUrlError& error) {
+      refuse(fileOption, passwordFile, error.what());
+   }
+}
+
 void checkFeeders(const Options& options) {
    if (!options.feeds("links") && !options.served().empty()) {
       throw StartError("--feeders: devices and --port need the feeder links");
@@ -119,9 +148,12 @@ struct Words {
    std::vector<std::string> traces;
    std::vector<std::string> devices;
    std::string config;
+   std::string redundancy;
    std::string feeders = "all";
    std::string readGroup;
    std::string writeGroup;
+   std::string store;
+   std::string storePasswordFile;
 };
 
 void declare(CLI::App& app, Options& options, Words& words) {
@@ -143,6 +175,10 @@ void declare(CLI::App& app, Options& options, Words& words) {
          "The switch's name of a device, such as Ethernet1=eth0. Other devices keep a name that is "
          "a port name already, or get the next free Ethernet<n>, for good (see --state-dir)");
    once("--cell", "NUMBER", options.cell, "Number of this supervisor")->check(CLI::Range(1, 2));
+   once("--redundancy", "ROLE", words.redundancy,
+        "active or standby: the role of this supervisor beside another one, where the platform "
+        "has not said it yet")
+       ->check(CLI::IsMember(roles));
    once("--socket", "PATH", options.socket,
         "Socket of the management API; its owner and group may use it");
    once("--write-group", "GROUP", words.writeGroup,
@@ -157,7 +193,14 @@ void declare(CLI::App& app, Options& options, Words& words) {
         "Folder of what is kept across boots: the ports' names, the configuration");
    once("--config", "FILE", words.config,
         "File of the operator's configuration, which has to exist (default: config.json in the "
-        "folder of --state-dir, which may be missing)");
+        "folder of --state-dir, which may be missing). Lldp.json beside it turns feature toggles");
+   once("--store", "URL", words.store,
+        "State store to share with other processes, a Redis server: "
+        "redis://[[user]:password@]host[:port][/database] or unix:/path[?database=N] (default: "
+        "none, the state is the process's own)");
+   once("--store-password-file", "FILE", words.storePasswordFile,
+        "File whose first line is the password of that server, which then nobody sees in a list of "
+        "processes");
    often("--trace", "FACILITY=LEVELS", words.traces,
          "Traces to standard error: levels 0 to 9 with commas between, or all");
    once("--feeders", "LIST", words.feeders,
@@ -194,7 +237,10 @@ std::optional<Options> Options::parse(int argc, const char* const* argv) {
    for (const std::string& port : words.ports) takePort(options, port);
    for (const std::string& trace : words.traces) takeTrace(options, trace);
    takeSockets(options, words.readGroup, words.writeGroup);
+   if (!words.redundancy.empty()) options.redundancy = roles.at(words.redundancy);
    if (app.count("--config")) options.config = words.config;
+   takeStore(options, app.count("--store") ? std::optional(words.store) : std::nullopt,
+             words.storePasswordFile);
    options.feeders = feedersOf(words.feeders);
    options.devices = {words.devices.begin(), words.devices.end()};
    checkFeeders(options);

@@ -9,7 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "Redis/StoreUrl.h"
 #include "Wirekit/IntfId.h"
+#include "host/Role.h"
 #include "host/TraceLevels.h"
 
 namespace Host {
@@ -18,13 +20,15 @@ struct Options {
    std::set<std::string> devices;                 // none: every physical one
    std::map<std::string, Wirekit::IntfId> ports;  // the operator's port names, by device
    int cell = 1;
+   std::optional<Role> redundancy;  // where the store knows of none
    std::string socket = "/run/lldp-agentd/api.sock";
    std::optional<gid_t> writeGroup;  // of `socket`; none: the process's own
    std::string readSocket;           // empty: there is none
    std::optional<gid_t> readGroup;   // there is one exactly if there is a socket for reading
    std::string runDir = "/run/lldp-agentd";
    std::string stateDir = "/var/lib/lldp-agentd";
-   std::optional<std::string> config;  // file of the operator's configuration; none: stateDir's
+   std::optional<std::string> config;     // file of the operator's configuration; none: stateDir's
+   std::optional<Redis::StoreUrl> store;  // shared with other processes; none: the embedded one
    std::vector<TraceSetting> trace;
    std::set<std::string> feeders;  // those that run, see Feeders::all()
    std::string module;             // empty: the one that belongs to the program

@@ -6,6 +6,7 @@
 #include "Foreign/Ip.h"
 #include "Foreign/NbrClassification.h"
 #include "Rex/Dir.h"
+#include "Wirekit/VlanIntfId.h"
 #include "host/PortNames.h"
 #include "model/CliConfig.h"
 #include "model/IntfRank.h"
@@ -30,13 +31,21 @@ void as(const Rex::Json& json, const std::string& path) {
 constexpr const char* rankedForm =
     "an interface such as Loopback0 to 2100, Vlan1 to 4094 or Ethernet1";
 
-// One whose numbers give it a rank among the interfaces, or whose kind has none.
+// One whose numbers give it a rank among the interfaces, or whose kind has none. The rank alone
+// knows no bound for VLANs.
+bool isRanked(const Wirekit::IntfId& intfId) {
+   if (Wirekit::VlanIntfId::isVlanIntfId(intfId)) {
+      uint32_t vlan = Wirekit::VlanIntfId::vlan(intfId);
+      return vlan >= 1 && vlan <= 4094;
+   }
+   return !Lldp::intfRank(intfId).fault;
+}
+
 void asRankedIntf(const Rex::Json& json, const std::string& path) {
    Wirekit::IntfId intfId;
    Rex::fromJson(json, intfId, path);
-   if (Lldp::intfRank(intfId).fault) {
-      Rex::expected(json, path,
-                    "an interface such as Loopback0 to 2100, Vlan1 to 4094 or Ethernet1");
+   if (!isRanked(intfId)) {
+      Rex::expected(json, path, rankedForm);
    }
 }
 
@@ -106,7 +115,7 @@ bool isEntryName(std::string_view text) {
 
 bool isRankedName(std::string_view text) {
    Wirekit::IntfId intfId;
-   return Wirekit::IntfId::fromText(text, intfId) && !Lldp::intfRank(intfId).fault;
+   return Wirekit::IntfId::fromText(text, intfId) && isRanked(intfId);
 }
 
 struct Rows {

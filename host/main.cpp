@@ -1,4 +1,7 @@
 // lldp-agentd. What it does stands in its --help.
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <iostream>
 #include <memory>
@@ -32,6 +35,11 @@ int main(int argc, char** argv) {
       return refuse(error.what());
    }
    // From here on an exception is a broken invariant of the agent, which ends the process.
-   daemon->run();
-   return 0;
+   auto role = daemon->run();
+   if (!role) return 0;
+   // Without the agent's end, which would take away what is the other supervisor's now. What the
+   // process holds open is closed on the way.
+   Host::restart({argv, argv + argc}, *role);
+   int status = refuse(std::string("cannot begin anew: ") + std::strerror(errno));
+   std::_Exit(status);
 }

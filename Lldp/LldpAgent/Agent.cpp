@@ -245,7 +245,8 @@ void Agent::doStartActive() {
                                     bridgingHwCapabilities_, root);
    root->nbrClassificationSmIs(ethPhyIntfStatusDir_, lldpStatusLocal(), identityCliConfig_,
                                identityDot1xStatus_, nbrClassficationStatus_);
-   // Here: the other cell's status, the merged status of both cells.
+   standbyCellDirSmIs(cellDir_, lldpStatusDir_);
+   statusAccumulatorSmIs(lldpStatusLocal(), nullptr, lldpStatusDir_, allLldpStatus_);
 }
 
 const Protocol::Root::Ptr& Agent::protocolRootIs(const Rex::String& name) {
@@ -265,10 +266,12 @@ void Agent::sysDescrIs() {
 }
 
 void Agent::doCleanup() {
-   // Whoever could still start something comes first.
+   // Whoever could still start something comes first. The merged status is followed to the end, so
+   // that no reader finds in it what goes now.
    stopped_ = true;
    standbyLldpStatusDirSmDel();
    redundancyStatusSmDel();
+   standbyCellDirSmDel();
    if (protocolRoot_) {
       protocolRoot_->onOffSwitchSmDel();
       protocolRoot_->protocolSmDel();

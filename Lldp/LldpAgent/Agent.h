@@ -18,7 +18,9 @@
 #include "Interface/EthPhyIntfStatus.h"
 #include "Interface/IntfStatus.h"
 #include "Lldp/LldpAgent/RedundancyStatusSm.h"
+#include "Lldp/LldpAgent/StandbyCellDirSm.h"
 #include "Lldp/LldpAgent/StandbyLldpStatusDirSm.h"
+#include "Lldp/LldpAgent/StatusAccumulatorSm.h"
 #include "Lldp/LldpInputSm/Root.h"
 #include "Lldp/LldpProtocolSm/Root.h"
 #include "Rex/Dir.h"
@@ -111,6 +113,8 @@ class Agent : public AgentBase::CAgent {
 
    REX_MACHINE(EntityMib::SysDescrSm, sysDescrSm)
    REX_MACHINE(RedundancyStatusSm, redundancyStatusSm)
+   REX_MACHINE(StatusAccumulatorSm, statusAccumulatorSm)
+   REX_MACHINE(StandbyCellDirSm, standbyCellDirSm)
    REX_MACHINE(StandbyLldpStatusDirSm, standbyLldpStatusDirSm)
 };
 

@@ -136,10 +136,10 @@ void InputSm::handleIntfConfig(const Wirekit::IntfId& intfId) {
    if (auto row = ethPhyIntfConfigDir_->intfConfig(intfId)) {
       auto standing = ethPhyIntfConfigSm(intfId);
       if (standing && standing->ethPhyIntfConfig() == row) return;  // adopted before its report
-      REX_ASSERT(!ethPhyIntfConfigSmHas(intfId));
+      REX_ASSERT_AS(!ethPhyIntfConfigSmHas(intfId), "!ethPhyIntfConfigSmHas( intfId )");
       ethPhyIntfConfigSmIs(intfId, row, root_);
    } else {
-      REX_ASSERT(ethPhyIntfConfigSmHas(intfId));
+      REX_ASSERT_AS(ethPhyIntfConfigSmHas(intfId), "ethPhyIntfConfigSmHas( intfId )");
       ethPhyIntfConfigSmDel(intfId);
    }
 }
@@ -149,10 +149,10 @@ void InputSm::handleSwitchIntfConfig(const Wirekit::IntfId& intfId) {
    if (auto row = bridgingConfig_->switchIntfConfig(intfId)) {
       auto standing = switchIntfConfigSm(intfId);
       if (standing && standing->switchIntfConfig() == row) return;  // adopted before its report
-      REX_ASSERT(!switchIntfConfigSmHas(intfId));
+      REX_ASSERT_AS(!switchIntfConfigSmHas(intfId), "!switchIntfConfigSmHas( intfId )");
       switchIntfConfigSmIs(intfId, row, root_);
    } else {
-      REX_ASSERT(switchIntfConfigSmHas(intfId));
+      REX_ASSERT_AS(switchIntfConfigSmHas(intfId), "switchIntfConfigSmHas( intfId )");
       switchIntfConfigSmDel(intfId);
    }
 }
@@ -205,7 +205,7 @@ void InputSm::handleExternalTlvsEntityPtr(const Rex::String& name) {
       auto standing = externalTlvConfigSm(name);
       if (standing && standing->externalTlvConfig() == provider)
          return;  // adopted before its report
-      REX_ASSERT(!externalTlvConfigSmHas(name));
+      REX_ASSERT_AS(!externalTlvConfigSmHas(name), "!externalTlvConfigSmHas( name )");
       externalTlvConfigSmIs(name, provider, root_);
    }
 }
@@ -270,10 +270,10 @@ void InputSm::handleCliPortConfig(const Wirekit::IntfId& intfId) {
    if (auto row = cliConfig_->cliPortConfig(intfId)) {
       auto standing = cliPortConfigSm(intfId);
       if (standing && standing->cliPortConfig() == row) return;  // adopted before its report
-      REX_ASSERT(!cliPortConfigSmHas(intfId));
+      REX_ASSERT_AS(!cliPortConfigSmHas(intfId), "!cliPortConfigSmHas( intfId )");
       cliPortConfigSmIs(intfId, row, bridgingConfig_, root_);
    } else {
-      REX_ASSERT(cliPortConfigSmHas(intfId));
+      REX_ASSERT_AS(cliPortConfigSmHas(intfId), "cliPortConfigSmHas( intfId )");
       cliPortConfigSmDel(intfId);
    }
 }

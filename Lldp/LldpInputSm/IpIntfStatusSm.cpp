@@ -92,9 +92,12 @@ void IpIntfStatusSm::doMaybeAddNewMgmtAddr() {
    ManagementAddress::Key manAddrKey = ip4Key(active.addr());
    lastMgmtAddr_ = makeManagementAddress(ifIndex, manAddrKey);
 
+   // When a secondary is promoted within one reaction, it is gone from the status already.
+   bool secondaryAddressPresent = ipIntfStatus_->secondaryWithMaskHas(active)
+                                      ? ipIntfStatus_->secondaryWithMask(active)
+                                      : secondaryMgmtAddr_.find(active) != nullptr;
    if (localSystem->managementAddressHas(manAddrKey)) {
-      // When a secondary is promoted within one reaction, it is gone from the status already.
-      if (!ipIntfStatus_->secondaryWithMask(active) && !secondaryMgmtAddr_.find(active)) {
+      if (!secondaryAddressPresent) {
          TRACE(trace, 8,
                "IpIntfStatusSm::Skipping " << manAddrKey.stringValue() << ", VRF "
                                            << vrf().stringValue());
@@ -103,6 +106,9 @@ void IpIntfStatusSm::doMaybeAddNewMgmtAddr() {
       }
       doRemoveSecMgmtAddr(active);  // promoted: the row goes on standing
    }
+   REX_ASSERT_AS(
+       secondaryAddressPresent || !localSystem->managementAddressHas(manAddrKey),
+       "secondaryAddressPresent || !root()->localSystem()->managementAddressHas( manAddrKey )");
    lastMgmtAddrPresent_ = true;
    lastMgmtAddrVrf_ = vrf();
    doAddMgmtAddr();

@@ -58,6 +58,7 @@ void NetworkPolicySm::handleNetworkPolicyPortStatus(const Wirekit::IntfId& intfI
    if (auto sm = networkPolicyPortStatusSm(intfId); sm && sm->portStatus() != portStatus) {
       TRACE(trace, 8, "handleNetworkPolicyPortStatus intf " << intfId << " removing SM");
       networkPolicyPortStatusSmDel(intfId);
+      if (!portStatus) return;
    }
    bool running = networkPolicyPortStatusSmHas(intfId);
    if (running == static_cast<bool>(portStatus)) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Lldp/LldpInputSm/RemoteSystemsSm.h"
+#include "Wirekit/EthAddr.h"
 
 namespace Lldp::Agent::Input {
 
@@ -17,14 +18,25 @@ class PoePortStatusSm : public RemoteSystemsSm {
    Lldp::RemoteSystem::PtrConst remoteSystemWithPowerRequest() const;
 
  private:
+   struct Asking {
+      RemoteSystem::PtrConst remoteSystem;
+      Wirekit::EthAddr ethAddr;  // that it is counted by
+   };
+
    void doAdd(const RemoteSystem::PtrConst& remoteSystem) override;
    void doRemove(const RemoteSystem::PtrConst& remoteSystem) override;
    void handlePowerViaMdi(const Rex::Change& change);
-   void handleAsking(const Rex::Change& change);
-   void doWatch(const RemoteSystem::PtrConst& remoteSystem, bool asks);
+   void handleEthAddr(const Rex::Change& change);
+   void handleRefresh();
+   void doAsk(const RemoteSystem::PtrConst& remoteSystem);
+   void doAskNoMore(int index);
+   void doFollowRefresh();
+   void doWatch(const RemoteSystem::PtrConst& remoteSystem);
 
    PoeSm* const parent_;
-   Rex::HashMap<int, RemoteSystem::PtrConst> asking_;  // by index
+   Rex::HashMap<int, Asking> asking_;  // by index
+   Rex::HashMap<Wirekit::EthAddr, int> askingFrom_;
+   bool followsRefresh_ = false;
 };
 
 }  // namespace Lldp::Agent::Input

@@ -52,7 +52,8 @@ void SwitchIntfConfigSm::handleSwitchportModeAndNativeVlan() {
 }
 
 void SwitchIntfConfigSm::doSyncLocalPort(const LocalPort::Ptr& localPort) {
-   REX_ASSERT(associatedIntfIdHas(localPort->intfId()));
+   REX_ASSERT_AS(associatedIntfIdHas(localPort->intfId()),
+                 "associatedIntfIdHas( localPort->intfId() )");
    if (switchIntfConfig_->switchportMode() == Bridging::switchportRouted) {
       localPort->portVlanIdIs(noVlan);
    } else {
@@ -66,7 +67,7 @@ void SwitchIntfConfigSm::doSyncLocalPort(const LocalPort::Ptr& localPort) {
 
 void SwitchIntfConfigSm::doAddPort(const Wirekit::IntfId& portId) {
    TRACE(trace, 8, "SwitchIntfConfigSm::doAddPort( " << portId << " ) for " << intfId());
-   REX_ASSERT(!associatedIntfIdHas(portId));
+   REX_ASSERT_AS(!associatedIntfIdHas(portId), "!associatedIntfIdHas( portId )");
    associatedIntfIdIs(portId, true);
    if (auto localPort = root_->localSystem()->localPort(portId)) doSyncLocalPort(localPort);
 }

@@ -208,12 +208,16 @@ void NbrClassificationSm::updateClassificationStatus() {
    if (toPublish_.empty()) return;
    TRACE(trace, 8, "Add neighbors from CLI");
    for (auto [ethAddr, changed] : toPublish_) {
-      if (const Neighbor* cli = cliNeighbor_.find(ethAddr)) doPublish(*cli, "CLI");
+      if (const Neighbor* cli = cliNeighbor_.find(ethAddr)) {
+         doPublish(*cli, ") set by CLI", "Nbr classification from CLI for ");
+      }
    }
    TRACE(trace, 8, "Add neighbors from LLDP");
    for (auto [ethAddr, changed] : toPublish_) {
       if (cliNeighbor_.find(ethAddr)) continue;
-      if (const Neighbor* lldp = lldpNeighbor_.find(ethAddr)) doPublish(*lldp, "LLDP");
+      if (const Neighbor* lldp = lldpNeighbor_.find(ethAddr)) {
+         doPublish(*lldp, ") set by LLDP", "Nbr classification from LLDP for ");
+      }
    }
    TRACE(trace, 8, "Remove not classified neighbors");
    for (auto [ethAddr, changed] : toPublish_) {
@@ -235,12 +239,13 @@ void NbrClassificationSm::updateClassificationStatus() {
    }
 }
 
-void NbrClassificationSm::doPublish(const Neighbor& entry, const char* source) {
+void NbrClassificationSm::doPublish(const Neighbor& entry, const char* phoneSetBy,
+                                    const char* rowFrom) {
    if (isTelephone(entry)) {
-      TRACE(trace, 8, "Phone (" << entry.ethAddr.stringValue() << ") set by " << source);
+      TRACE(trace, 8, "Phone (" << entry.ethAddr.stringValue() << phoneSetBy);
       published_.phoneIs(entry.ethAddr);
    }
-   TRACE(trace, 8, "Nbr classification from " << source << " for " << Rex::valueToString(entry));
+   TRACE(trace, 8, rowFrom << Rex::valueToString(entry));
    published_.neighborIs(entry);
 }
 

@@ -76,7 +76,7 @@ class NbrClassificationSm : public Rex::StateMachine {
    void addNbrClassificationIntfSm(const Wirekit::IntfId& intfId);
    void delNbrClassificationIntfSm(const Wirekit::IntfId& intfId);
    void updateClassificationStatus();
-   void doPublish(const Neighbor& entry, const char* source);
+   void doPublish(const Neighbor& entry, const char* phoneSetBy, const char* rowFrom);
 
    void lldpNeighborIs(const Neighbor& neighbor);
    void lldpNeighborDel(const Wirekit::EthAddr& ethAddr);

@@ -35,7 +35,7 @@ LldpPamSm::LldpPamSm(const Wirekit::IntfId& intfId, Wirekit::Pam::Ptr pam, Rex::
    on(ethPhyIntfStatus_, Interface::EthPhyIntfStatus::linkStatusAttr,
       &LldpPamSm::handleLinkStatusRx);
    on(portConfig_, PortConfig::adminStatusAttr, &LldpPamSm::handleAdminStatus);
-   on(portStatus_, PortStatus::remoteSystemAttr, &LldpPamSm::handleRemoteSystem);
+   onLast(portStatus_, PortStatus::remoteSystemAttr, &LldpPamSm::handleRemoteSystem);
 
    handleInitialized();
 }
@@ -162,7 +162,8 @@ void LldpPamSm::handleAdminStatus() {
    }
 }
 
-// A new neighbour hears from this port early; one that left is told nothing.
+// A new neighbour hears from this port early; one that left is told nothing. The frame answers what
+// the neighbour asks for in its first one: the machines that see to that come before.
 void LldpPamSm::handleRemoteSystem(int key) {
    TRACE(trace, 8, "LldpPamSm::handleRemoteSystem( " << key << " )");
    if (portStatus()->remoteSystemHas(key)) doProcessSomethingChangedLocal();

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -17,8 +18,14 @@
 
 namespace Host {
 
+// Takes an interface's rows away, whoever wrote them: its addresses first.
+void withdrawAddresses(Ip::Status& ip, Ip6::Status& ip6, const Wirekit::IntfId& intfId);
+
 class AddressFeeder {
  public:
+   static constexpr const char* ipPath = "ip/status";
+   static constexpr const char* ip6Path = "ip6/status";
+
    // Starts with what stands, and follows both as long as they live.
    AddressFeeder(Statestore::EntityManager& entityManager, Network& network, Intfs& intfs);
 
@@ -27,11 +34,19 @@ class AddressFeeder {
  private:
    using IntfId = Wirekit::IntfId;
 
+   void sweep();
    void handleAddresses(const std::set<int32_t>& ifIndices);
    void handleLink(const Link* before, const Link* after);
    void handleIntfGoes(const IntfId& intfId);
-   void write(int32_t ifIndex);
-   void writeIp6(const IntfId& intfId, const std::set<Wirekit::Ip6AddrWithMask>& addrs);
+   // What the IPv4 row of an interface is to say.
+   struct Ip4Wish {
+      int32_t ifIndex;
+      IntfId intfId;
+      Ip4Selection addresses;
+   };
+   std::optional<Ip4Wish> ip4Wish(int32_t ifIndex);
+   void makeRow(const Ip4Wish& wish);
+   void writeIp6(int32_t ifIndex);
    void forgetPromoted(int32_t ifIndex);
    void syncVrf(int32_t ifIndex);
    // Whether the agent can rank the interface; it must not come to see one that it cannot.

@@ -8,7 +8,7 @@
 #include "Foreign/Bridging.h"
 #include "Statestore/EntityManager.h"
 #include "host/Feeders/Links.h"
-#include "host/Feeders/ServedDevices.h"
+#include "host/Feeders/ServedLinks.h"
 
 namespace Host {
 
@@ -22,21 +22,10 @@ class BridgingFeeder {
 
    static std::set<std::string> fedPaths();
 
-   // The switch's address: that of the kernel bridge that a served device is a member of, directly
-   // or through a bond, the first by index; without one `present`, as long as a served device bears
-   // it; then the lowest of theirs. A port that comes must not make the switch another chassis to
-   // its neighbours, but an address that has left with its device may turn up somewhere else.
-   // `present` stays also when there is no device at all.
-   static Wirekit::EthAddr bridgeMacAddr(const Links& links, const ServedDevices& devices,
-                                         const Wirekit::EthAddr& present);
-   // Octets with header and frame check sequence, by the largest MTU; 0 without a device.
-   static uint16_t maxFrameSize(const Links& links, const ServedDevices& devices);
-
  private:
-   void handleLinks();
+   void feed();
 
-   const Links& links_;
-   const ServedDevices& devices_;
+   ServedLinks served_;
    Bridging::Config::Ptr config_;
    Bridging::HwCapabilities::Ptr capabilities_;
 };

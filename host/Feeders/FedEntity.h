@@ -17,4 +17,12 @@ Rex::Ptr<T> fedEntity(Statestore::EntityManager& manager, std::string_view path)
    return found;
 }
 
+// The same of a path that the agent has for itself: no other process ever sees it.
+template <class T>
+Rex::Ptr<T> localFedEntity(Statestore::EntityManager& manager, std::string_view path) {
+   auto found = Rex::dynamicPtr<T>(manager.localEntityIs(path, T::staticType().name()));
+   REX_ASSERT(found);
+   return found;
+}
+
 }  // namespace Host

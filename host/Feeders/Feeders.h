@@ -15,6 +15,7 @@
 #include "host/Feeders/BridgingFeeder.h"
 #include "host/Feeders/GroupFeeder.h"
 #include "host/Feeders/HostFeeder.h"
+#include "host/Feeders/IntfTables.h"
 #include "host/Feeders/Intfs.h"
 #include "host/Feeders/LinksFeeder.h"
 #include "host/Feeders/LinuxHost.h"
@@ -36,6 +37,7 @@ class Feeders {
       std::set<std::string> enabled = all();
       std::set<std::string> devices = {};  // that are served; none: every physical one
       bool others = false;                 // every physical one beside `devices`
+      bool chassis = false;                // there is another supervisor
    };
 
    // The feeders' names: addresses, bridging, host, links.
@@ -46,7 +48,12 @@ class Feeders {
    // Fills the store before it returns, and follows Linux through the loop from then on. The
    // present context has to be that of the agent. Throws StartError, whose words name the device,
    // when one of `devices` is not there or does not carry Ethernet frames.
-   void start();
+   //
+   // A supervisor that is not active feeds its own interfaces and its own name alone. What both
+   // share (bridging, addresses, the system's description) is the active one's to write.
+   void start(bool active = true);
+   // The supervisor has become active. What the one before it fed and this one does not see goes.
+   void activeIs();
 
    // The store's paths that the enabled feeders write, and nobody else.
    std::set<std::string> fedPaths() const;
@@ -55,6 +62,8 @@ class Feeders {
 
  private:
    bool feeds(const char* feeder) const { return setup_.enabled.contains(feeder); }
+   void startBridging();
+   void guardNumbers();
    void startIntfs();
    void checkDevices() const;
 
@@ -62,6 +71,7 @@ class Feeders {
    const ServedDevices devices_;
    Network network_;
    std::optional<LinuxNetwork> linuxNetwork_;
+   std::optional<IntfTables> tables_;
    std::optional<Intfs> intfs_;
    std::optional<BridgingFeeder> bridgingFeeder_;
    std::optional<LinksFeeder> linksFeeder_;
@@ -71,6 +81,7 @@ class Feeders {
    std::optional<AddressFeeder> addressFeeder_;
    std::optional<HostFeeder> hostFeeder_;
    std::optional<LinuxHost> linuxHost_;
+   bool active_ = false;
 };
 
 }  // namespace Host

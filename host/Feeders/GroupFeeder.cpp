@@ -2,12 +2,9 @@
 
 #include "Wirekit/EthIntfId.h"
 #include "Wirekit/PortChannelIntfId.h"
-#include "host/Feeders/FedEntity.h"
 
 namespace Host {
 namespace {
-
-constexpr const char* path = "interface/status/eth/lag";
 
 bool isGroup(const Wirekit::IntfId* intfId) {
    return intfId && Wirekit::PortChannelIntfId::isPortChannelIntfId(*intfId);
@@ -15,10 +12,8 @@ bool isGroup(const Wirekit::IntfId* intfId) {
 
 }  // namespace
 
-GroupFeeder::GroupFeeder(Statestore::EntityManager& entityManager, Links& links, Intfs& intfs)
-    : links_(links),
-      intfs_(intfs),
-      groups_(fedEntity<Interface::EthLagIntfStatusDir>(entityManager, path)) {
+GroupFeeder::GroupFeeder(IntfTables& tables, Links& links, Intfs& intfs)
+    : links_(links), intfs_(intfs), tables_(tables) {
    for (const auto& [ifIndex, intfId] : intfs.all()) handleIntf(ifIndex, intfId);
    intfs.listenerIs(
        [this](int32_t ifIndex, const Wirekit::IntfId& intfId) { handleIntf(ifIndex, intfId); },
@@ -28,13 +23,10 @@ GroupFeeder::GroupFeeder(Statestore::EntityManager& entityManager, Links& links,
    });
 }
 
-std::set<std::string> GroupFeeder::fedPaths() {
-   return {path};
-}
-
 void GroupFeeder::handleIntf(int32_t ifIndex, const Wirekit::IntfId& intfId) {
    if (isGroup(&intfId)) {
-      groups_->intfStatusIs(Rex::make<Interface::EthLagIntfStatus>(intfId));
+      tables_.groups().rowIs(intfId,
+                             [](Interface::EthLagIntfStatus& group) { group.memberDelAll(); });
       for (int32_t member : links_.membersOf(ifIndex)) syncMember(member);
    }
    syncMember(ifIndex);
@@ -46,7 +38,7 @@ void GroupFeeder::handleIntfGoes(int32_t ifIndex, const Wirekit::IntfId& intfId)
    leave(ifIndex);
    if (!isGroup(&intfId)) return;
    std::erase_if(memberships_, [&](const auto& entry) { return entry.second.group == ifIndex; });
-   groups_->intfStatusDel(intfId);
+   tables_.groups().rowDel(intfId);
 }
 
 // A management port is no member: the agent knows of no way in which one could be aggregated.
@@ -61,7 +53,7 @@ void GroupFeeder::syncMember(int32_t ifIndex) {
       leave(ifIndex);
    }
    if (!member) return;
-   auto row = groups_->intfStatus(*group);
+   auto row = tables_.groups().row(*group);
    if (!row) return;  // it is about to come, and looks for its members itself
    memberships_[ifIndex] = {*portId, master->ifIndex};
    row->memberIs(*portId);
@@ -73,7 +65,7 @@ void GroupFeeder::leave(int32_t ifIndex) {
    Membership left = at->second;
    memberships_.erase(at);
    const Wirekit::IntfId* group = intfs_.at(left.group);
-   auto row = group ? groups_->intfStatus(*group) : nullptr;
+   auto row = group ? tables_.groups().row(*group) : nullptr;
    if (row) row->memberDel(left.portId);
 }
 

@@ -3,11 +3,7 @@
 
 #include <cstdint>
 #include <map>
-#include <set>
-#include <string>
 
-#include "Interface/EthLagIntfStatus.h"
-#include "Statestore/EntityManager.h"
 #include "host/Feeders/Intfs.h"
 #include "host/Feeders/Links.h"
 
@@ -16,9 +12,7 @@ namespace Host {
 class GroupFeeder {
  public:
    // Starts with what stands, and follows both as long as they live.
-   GroupFeeder(Statestore::EntityManager& entityManager, Links& links, Intfs& intfs);
-
-   static std::set<std::string> fedPaths();
+   GroupFeeder(IntfTables& tables, Links& links, Intfs& intfs);
 
  private:
    struct Membership {
@@ -33,7 +27,7 @@ class GroupFeeder {
 
    const Links& links_;
    const Intfs& intfs_;
-   Interface::EthLagIntfStatusDir::Ptr groups_;
+   IntfTables& tables_;
    std::map<int32_t, Membership> memberships_;  // by index of the port's device
 };
 

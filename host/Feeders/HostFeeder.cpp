@@ -65,7 +65,13 @@ std::set<std::string> HostFeeder::fedPaths() {
 void HostFeeder::factsAre(const HostFacts& facts) {
    net_->hostnameIs(facts.hostname);
    net_->domainNameIs(facts.domainName);
-   mib_->descriptionIs(facts.description);
+   description_ = facts.description;
+   if (active_) mib_->descriptionIs(description_);
+}
+
+void HostFeeder::activeIs() {
+   active_ = true;
+   mib_->descriptionIs(description_);
 }
 
 }  // namespace Host

@@ -31,10 +31,15 @@ class HostFeeder {
 
    static std::set<std::string> fedPaths();
    void factsAre(const HostFacts& facts);
+   // The description is of the system, and so the active supervisor's to tell; the name is each
+   // supervisor's own.
+   void activeIs();
 
  private:
    System::NetStatus::Ptr net_;
    EntityMib::Status::Ptr mib_;
+   Rex::String description_;
+   bool active_ = false;
 };
 
 }  // namespace Host

@@ -8,22 +8,18 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <set>
 #include <string>
 #include <vector>
 
-#include "Interface/IntfStatus.h"
-#include "Statestore/EntityManager.h"
 #include "Wirekit/IntfId.h"
+#include "host/Feeders/IntfTables.h"
 #include "host/Feeders/Links.h"
 
 namespace Host {
 
 class Intfs {
  public:
-   explicit Intfs(Statestore::EntityManager& entityManager);
-
-   static std::set<std::string> fedPaths();
+   explicit Intfs(IntfTables& tables) : tables_(tables) {}
 
    // Told by index and name: that the interface stands, and that it is about to go.
    using Listener = std::function<void(int32_t ifIndex, const Wirekit::IntfId& intfId)>;
@@ -47,8 +43,7 @@ class Intfs {
    std::map<int32_t, Wirekit::IntfId> all_;
    std::vector<Listener> came_;
    std::vector<Listener> goes_;
-   Interface::AllIntfStatusDir::Ptr everywhere_;
-   Interface::AllIntfStatusLocalDir::Ptr local_;
+   IntfTables& tables_;
 };
 
 }  // namespace Host

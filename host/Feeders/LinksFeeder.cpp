@@ -20,8 +20,6 @@ const Rex::LogHandle namesNotKept(
     "Check that the state folder is on a file system with room that can be written to.", 60.0, 1.0,
     0);
 
-constexpr const char* phyPath = "interface/status/eth/phy/all";
-constexpr const char* configPath = "interface/config/eth/phy/all";
 constexpr const char* kernelPath = "kni/ns/default/status";
 
 void fill(Interface::EthPhyIntfStatus& status, const Link& link) {
@@ -35,23 +33,22 @@ void fill(Interface::EthPhyIntfStatus& status, const Link& link) {
 }  // namespace
 
 LinksFeeder::LinksFeeder(const Rex::Ptr<Statestore::EntityManager>& entityManager, Links& links,
-                         const ServedDevices& devices, Intfs& intfs, PortNames& names,
-                         Identity identity)
+                         const ServedDevices& devices, IntfTables& tables, Intfs& intfs,
+                         PortNames& names, Identity identity)
     : links_(links),
       devices_(devices),
+      tables_(tables),
       intfs_(intfs),
       names_(names),
       identity_(std::move(identity)),
-      phy_(fedEntity<Interface::AllEthPhyIntfStatusDir>(*entityManager, phyPath)),
-      config_(fedEntity<Interface::AllEthPhyIntfConfigDir>(*entityManager, configPath)),
-      kernel_(fedEntity<KernelNetInfo::Status>(*entityManager, kernelPath)) {
+      kernel_(localFedEntity<KernelNetInfo::Status>(*entityManager, kernelPath)) {
    addAll();
    names_.save();
    links.listenerIs([this](const Link* before, const Link* after) { handleLink(before, after); });
 }
 
 std::set<std::string> LinksFeeder::fedPaths() {
-   return {phyPath, kernelPath};
+   return {kernelPath};
 }
 
 // The first devices are named together, in the order of their indices.
@@ -122,18 +119,15 @@ void LinksFeeder::add(const Link& link, const Port& port) {
    Rex::log(portNamed, intfId, Rex::String(link.name), Rex::String(port.identity));
    ports_[link.ifIndex] = port;
    devicesByPort_[intfId] = link.name;
-   auto phy = Rex::make<Interface::EthPhyIntfStatus>(intfId);
-   fill(*phy, link);
-   auto config = Rex::make<Interface::EthPhyIntfConfig>(intfId);
-   config->descriptionIs(link.alias);
    intfs_.intfIs(link, intfId);
-   config_->intfConfigIs(config);
-   phy_->intfStatusIs(phy);
+   tables_.config().rowIs(
+       intfId, [&](Interface::EthPhyIntfConfig& config) { config.descriptionIs(link.alias); });
+   tables_.phy().rowIs(intfId, [&](Interface::EthPhyIntfStatus& phy) { fill(phy, link); });
 }
 
 void LinksFeeder::update(const Link& before, const Link& after, const Wirekit::IntfId& intfId) {
-   if (auto phy = phy_->intfStatus(intfId)) fill(*phy, after);
-   auto config = config_->intfConfig(intfId);
+   if (auto phy = tables_.phy().row(intfId)) fill(*phy, after);
+   auto config = tables_.config().row(intfId);
    // News of something else must not take back what the operator said in the meantime.
    if (config && before.alias != after.alias) config->descriptionIs(after.alias);
 }
@@ -143,8 +137,8 @@ void LinksFeeder::remove(std::map<int32_t, Port>::iterator at) {
    const Wirekit::IntfId& intfId = port.intfId;
    ports_.erase(at);
    devicesByPort_.erase(intfId);
-   phy_->intfStatusDel(intfId);
-   config_->intfConfigDel(intfId);
+   tables_.phy().rowDel(intfId);
+   tables_.config().rowDel(intfId);
    intfs_.intfDel(ifIndex, intfId);
 }
 

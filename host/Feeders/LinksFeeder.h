@@ -7,8 +7,6 @@
 #include <string>
 
 #include "Foreign/KernelNetInfo.h"
-#include "Interface/EthPhyIntfConfig.h"
-#include "Interface/EthPhyIntfStatus.h"
 #include "Statestore/EntityManager.h"
 #include "host/Feeders/Intfs.h"
 #include "host/Feeders/Links.h"
@@ -22,10 +20,10 @@ class LinksFeeder {
    using Identity = std::function<std::string(const Link&)>;
    // Starts with the links that stand, and follows `links` as long as both live.
    LinksFeeder(const Rex::Ptr<Statestore::EntityManager>& entityManager, Links& links,
-               const ServedDevices& devices, Intfs& intfs, PortNames& names, Identity identity);
+               const ServedDevices& devices, IntfTables& tables, Intfs& intfs, PortNames& names,
+               Identity identity);
 
-   // The store's paths that nobody else writes. The description in an interface's configuration is
-   // not among them: it is the operator's too, and the later word counts.
+   // The store's path that nobody else writes, beside those of IntfTables.
    static std::set<std::string> fedPaths();
 
    // The ports, by name, each with its device.
@@ -49,11 +47,10 @@ class LinksFeeder {
 
    const Links& links_;
    const ServedDevices& devices_;
+   IntfTables& tables_;
    Intfs& intfs_;
    PortNames& names_;
    const Identity identity_;
-   Interface::AllEthPhyIntfStatusDir::Ptr phy_;
-   Interface::AllEthPhyIntfConfigDir::Ptr config_;
    KernelNetInfo::Status::Ptr kernel_;
    std::map<int32_t, Port> ports_;  // by index
    std::map<Wirekit::IntfId, std::string> devicesByPort_;

@@ -1,5 +1,7 @@
 #include "host/Feeders/SwitchportFeeder.h"
 
+#include <set>
+
 #include "Rex/Dispatcher.h"
 #include "Wirekit/EthIntfId.h"
 #include "Wirekit/MgmtIntfId.h"
@@ -25,12 +27,22 @@ SwitchportFeeder::SwitchportFeeder(Statestore::EntityManager& entityManager, Net
     : network_(network),
       intfs_(intfs),
       config_(fedEntity<Bridging::Config>(entityManager, BridgingFeeder::configPath)) {
+   sweep();
    for (const auto& [ifIndex, intfId] : intfs.all()) sync(ifIndex);
    intfs.listenerIs([this](int32_t ifIndex, const IntfId&) { sync(ifIndex); },
                     [this](int32_t, const IntfId& intfId) { withdraw(intfId); });
    network.links.listenerIs(
        [this](const Link* before, const Link* after) { handleLink(before, after); });
    network.vlans.listenerIs([this](int32_t ifIndex) { sync(ifIndex); });
+}
+
+// Another supervisor may have had interfaces that this one has not.
+void SwitchportFeeder::sweep() {
+   std::set<IntfId> ours;
+   for (const auto& [ifIndex, intfId] : intfs_.all()) ours.insert(intfId);
+   for (auto [intfId, row] : config_->switchIntfConfig()) {
+      if (!ours.contains(intfId)) withdraw(intfId);
+   }
 }
 
 void SwitchportFeeder::handleLink(const Link* before, const Link* after) {

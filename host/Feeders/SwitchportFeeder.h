@@ -18,6 +18,7 @@ class SwitchportFeeder {
    SwitchportFeeder(Statestore::EntityManager& entityManager, Network& network, Intfs& intfs);
 
  private:
+   void sweep();
    void handleLink(const Link* before, const Link* after);
    void sync(int32_t ifIndex);
    // None: zero.

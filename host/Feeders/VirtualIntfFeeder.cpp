@@ -1,5 +1,6 @@
 #include "host/Feeders/VirtualIntfFeeder.h"
 
+#include <algorithm>
 #include <charconv>
 #include <utility>
 
@@ -75,51 +76,68 @@ void VirtualIntfFeeder::sync(int32_t ifIndex) {
       at->second.wish = *wish;
       return;
    }
-   if (stood) remove(ifIndex);
-   if (!wish) waiting_.erase(ifIndex);
+   Wirekit::IntfId given = stood ? remove(ifIndex) : Wirekit::IntfId();
+   if (!wish) doneWaiting(ifIndex);
    if (wish) add(*link, *wish);
-   if (stood) addWaiting();
+   if (stood) addWaiting(given);
 }
 
 void VirtualIntfFeeder::add(const Link& link, const Wish& wish) {
    Wirekit::IntfId intfId = freeName(wish);
    if (intfId.empty()) {
-      Wirekit::IntfId wanted = nameOf(wish.kind, *wish.number);
-      if (waiting_.insert(link.ifIndex).second) {
-         const Bearer& other = bearers_.at(byName_.at(wanted));
-         Rex::log(nameTaken, Rex::String(link.name), wanted, Rex::String(other.wish.device));
-      }
+      waitFor(link, nameOf(wish.kind, *wish.number));
       return;
    }
-   waiting_.erase(link.ifIndex);
+   doneWaiting(link.ifIndex);
    bearers_[link.ifIndex] = {wish, intfId};
    byName_[intfId] = link.ifIndex;
    intfs_.intfIs(link, intfId);
 }
 
-void VirtualIntfFeeder::remove(int32_t ifIndex) {
-   auto bearer = bearers_.extract(ifIndex);
-   byName_.erase(bearer.mapped().intfId);
-   intfs_.intfDel(ifIndex, bearer.mapped().intfId);
+Wirekit::IntfId VirtualIntfFeeder::remove(int32_t ifIndex) {
+   Bearer bearer = bearers_.extract(ifIndex).mapped();
+   byName_.erase(bearer.intfId);
+   intfs_.intfDel(ifIndex, bearer.intfId);
+   auto first = firstFree_.find(bearer.wish.kind);
+   std::optional<uint32_t> number = numberAtEnd(bearer.intfId.stringValue().stdString());
+   if (first != firstFree_.end() && number) first->second = std::clamp(*number, 1u, first->second);
+   return bearer.intfId;
 }
 
-void VirtualIntfFeeder::addWaiting() {
-   for (int32_t ifIndex : std::set<int32_t>(waiting_)) {
-      const Link* link = network_.links.at(ifIndex);
-      if (auto wish = link ? wishOf(*link) : std::nullopt) add(*link, *wish);
-   }
+void VirtualIntfFeeder::waitFor(const Link& link, const Wirekit::IntfId& wanted) {
+   auto at = waitsFor_.find(link.ifIndex);
+   if (at != waitsFor_.end() && at->second == wanted) return;
+   doneWaiting(link.ifIndex);
+   waitsFor_[link.ifIndex] = wanted;
+   waiting_[wanted].insert(link.ifIndex);
+   const Bearer& other = bearers_.at(byName_.at(wanted));
+   Rex::log(nameTaken, Rex::String(link.name), wanted, Rex::String(other.wish.device));
 }
 
-Wirekit::IntfId VirtualIntfFeeder::freeName(const Wish& wish) const {
+void VirtualIntfFeeder::doneWaiting(int32_t ifIndex) {
+   auto wanted = waitsFor_.extract(ifIndex);
+   if (!wanted) return;
+   auto others = waiting_.find(wanted.mapped());
+   others->second.erase(ifIndex);
+   if (others->second.empty()) waiting_.erase(others);
+}
+
+// The first of those that want a name gets it.
+void VirtualIntfFeeder::addWaiting(const Wirekit::IntfId& intfId) {
+   auto at = waiting_.find(intfId);
+   if (at == waiting_.end() || byName_.contains(intfId)) return;
+   sync(*at->second.begin());
+}
+
+Wirekit::IntfId VirtualIntfFeeder::freeName(const Wish& wish) {
    if (wish.number) {
       Wirekit::IntfId wanted = nameOf(wish.kind, *wish.number);
       if (!byName_.contains(wanted)) return wanted;
    }
    if (wish.exact) return {};
-   for (uint32_t number = 1;; ++number) {
-      Wirekit::IntfId name = nameOf(wish.kind, number);
-      if (!byName_.contains(name)) return name;
-   }
+   uint32_t& number = firstFree_.try_emplace(wish.kind, 1).first->second;
+   while (byName_.contains(nameOf(wish.kind, number))) ++number;
+   return nameOf(wish.kind, number);
 }
 
 }  // namespace Host

@@ -39,17 +39,22 @@ class VirtualIntfFeeder {
    void sync(int32_t ifIndex);
    // Gives it a name; what can have none waits until one goes.
    void add(const Link& link, const Wish& wish);
-   void remove(int32_t ifIndex);
-   void addWaiting();
+   // Takes its name from it, and returns that.
+   Wirekit::IntfId remove(int32_t ifIndex);
+   void waitFor(const Link& link, const Wirekit::IntfId& wanted);
+   void doneWaiting(int32_t ifIndex);
+   void addWaiting(const Wirekit::IntfId& intfId);
    // Empty: the only one that would do is another device's.
-   Wirekit::IntfId freeName(const Wish& wish) const;
+   Wirekit::IntfId freeName(const Wish& wish);
 
    const Network& network_;
    const ServedDevices& devices_;
    Intfs& intfs_;
-   std::map<int32_t, Bearer> bearers_;          // by index
-   std::map<Wirekit::IntfId, int32_t> byName_;  // their indices
-   std::set<int32_t> waiting_;
+   std::map<int32_t, Bearer> bearers_;                     // by index
+   std::map<Wirekit::IntfId, int32_t> byName_;             // their indices
+   std::map<std::string, uint32_t> firstFree_;             // by kind: no lower number is free
+   std::map<Wirekit::IntfId, std::set<int32_t>> waiting_;  // for a name
+   std::map<int32_t, Wirekit::IntfId> waitsFor_;
 };
 
 }  // namespace Host

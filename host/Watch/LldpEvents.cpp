@@ -53,12 +53,12 @@ void LldpEvents::start() {
    linkDirSm_.make(fedEntity<Interface::AllEthPhyIntfStatusDir>(*entityManager_,
                                                                 "interface/status/eth/phy/all"),
                    *this);
-   lldpStatusDirSm_.make(fedEntity<Rex::Dir>(*entityManager_, "l2discovery/lldp/status/local"),
-                         *this);
+   lldpStatusSm_.make(fedEntity<Lldp::AllStatus>(*entityManager_, "l2discovery/lldp/status/all"),
+                      fedEntity<Rex::Dir>(*entityManager_, "l2discovery/lldp/status/local"), *this);
 }
 
 void LldpEvents::stop() {
-   lldpStatusDirSm_.reset();
+   lldpStatusSm_.reset();
    linkDirSm_.reset();
    logTap_.reset();
 }
@@ -75,7 +75,7 @@ void LldpEvents::tellStanding(ApiStream& stream) const {
       stream.beginIs(eventText(event, timed(data), lastId_));
    };
    linkDirSm_.get()->tellStanding(tell);
-   lldpStatusDirSm_.get()->tellStanding(tell);
+   lldpStatusSm_.get()->tellStanding(tell);
    tell("standing-end", Rex::Json::object());
 }
 

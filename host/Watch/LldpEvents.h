@@ -12,7 +12,7 @@
 #include "host/ApiStream.h"
 #include "host/Outlets.h"
 #include "host/Watch/LinkDirSm.h"
-#include "host/Watch/LldpStatusDirSm.h"
+#include "host/Watch/LldpStatusSm.h"
 
 namespace Host {
 
@@ -48,7 +48,7 @@ class LldpEvents {
    const char* reason_ = nullptr;  // of the event that the agent logged last
    uint32_t reasonReaction_ = 0;   // the reaction that it was logged in
    Rex::OwnedMachine<LinkDirSm> linkDirSm_;
-   Rex::OwnedMachine<LldpStatusDirSm> lldpStatusDirSm_;
+   Rex::OwnedMachine<LldpStatusSm> lldpStatusSm_;
 };
 
 }  // namespace Host

@@ -2,8 +2,9 @@
 
 namespace Host {
 
-LldpPortStatusSm::LldpPortStatusSm(Lldp::PortStatus::PtrConst portStatus, LldpStatusSm& parent)
-    : portStatus_(std::move(portStatus)), parent_(parent) {
+LldpPortStatusSm::LldpPortStatusSm(Lldp::PortStatus::PtrConst portStatus, bool own,
+                                   LldpStatusSm& parent)
+    : portStatus_(std::move(portStatus)), own_(own), parent_(parent) {
    on(portStatus_, Lldp::PortStatus::remoteSystemAttr, &LldpPortStatusSm::handleRemoteSystem);
 
    handleInitialized();
@@ -22,7 +23,7 @@ void LldpPortStatusSm::handleRemoteSystem(int index) {
       neighborSm_.erase(index);
    }
    if (remoteSystem) {
-      neighborSm_.make(index, portStatus_->intfId(), remoteSystem, parent_)->tellAdded();
+      neighborSm_.make(index, portStatus_->intfId(), remoteSystem, own_, parent_)->tellAdded();
    }
 }
 

@@ -10,7 +10,8 @@ namespace Host {
 
 class LldpPortStatusSm : public Rex::StateMachine {
  public:
-   LldpPortStatusSm(Lldp::PortStatus::PtrConst portStatus, LldpStatusSm& parent);
+   // `own`: this supervisor's agent serves the port, and not the other's.
+   LldpPortStatusSm(Lldp::PortStatus::PtrConst portStatus, bool own, LldpStatusSm& parent);
 
    const Lldp::PortStatus::PtrConst& portStatus() const { return portStatus_; }
    void tellStanding(const TellStanding& tell) const;
@@ -23,6 +24,7 @@ class LldpPortStatusSm : public Rex::StateMachine {
    void doClose() override { neighborSm_.clear(); }
 
    const Lldp::PortStatus::PtrConst portStatus_;
+   const bool own_;
    LldpStatusSm& parent_;
    Rex::OwnedMachines<NeighborSm, int> neighborSm_;
 };

@@ -1,9 +1,10 @@
-// Keeps a machine for each port with LLDP, and lets neighbours tell their changes when a change of
-// the tables is complete.
+// Keeps a machine for each port with LLDP, of both supervisors where the merged table has them, and
+// lets neighbours tell their changes when a change of the tables is complete.
 #pragma once
 
 #include <vector>
 
+#include "Rex/Dir.h"
 #include "Rex/Owned.h"
 #include "Rex/StateMachine.h"
 #include "host/Watch/LldpPortStatusSm.h"
@@ -15,24 +16,27 @@ class LldpEvents;
 
 class LldpStatusSm : public Rex::StateMachine {
  public:
-   LldpStatusSm(Lldp::Status::PtrConst status, LldpEvents& events);
+   // `dir` has the status of each supervisor. This one's comes with the agent, and is what stands
+   // where nobody keeps a merged table.
+   LldpStatusSm(Lldp::AllStatus::PtrConst all, Rex::Dir::PtrConst dir, LldpEvents& events);
 
-   const Lldp::Status::PtrConst& status() const { return status_; }
    LldpEvents& events() const { return events_; }
    void tellStanding(const TellStanding& tell) const;
-   // The status has left, and all neighbours with it.
-   void handleGone();
    // Has the neighbour tell its changes as soon as they are complete.
    void changedIs(const Rex::Ptr<NeighborSm>& neighbor) { changed_.push_back(neighbor); }
 
  private:
    void handleInitialized();
+   void handleEntry(const Rex::String& name);
    void handlePortStatus(const Wirekit::IntfId& intfId);
    void handleLastChangeTime();
    void doClose() override;
 
-   const Lldp::Status::PtrConst status_;
+   const Lldp::AllStatus::PtrConst all_;
+   const Rex::Dir::PtrConst dir_;
+   const Rex::String cell_;  // the name of this supervisor's entry
    LldpEvents& events_;
+   Lldp::Status::PtrConst own_;
    std::vector<Rex::Ptr<NeighborSm>> changed_;
    Rex::OwnedMachines<LldpPortStatusSm, Wirekit::IntfId> portStatusSm_;
 };

@@ -22,9 +22,10 @@ bool isRefresh(uint32_t attribute) {
 }  // namespace
 
 NeighborSm::NeighborSm(const Wirekit::IntfId& port, Lldp::RemoteSystem::PtrConst remoteSystem,
-                       LldpStatusSm& parent)
+                       bool own, LldpStatusSm& parent)
     : port_(port),
       remoteSystem_(std::move(remoteSystem)),
+      own_(own),
       parent_(parent),
       madeIn_(Rex::Dispatcher::reaction) {
    onAny(remoteSystem_, &NeighborSm::handleAny);
@@ -60,7 +61,8 @@ void NeighborSm::tellChanged() {
 
 void NeighborSm::tellGone() const {
    Rex::Json gone = data();
-   gone["reason"] = parent_.events().goneReason();
+   // Why the other supervisor lets go of a neighbour stands in its own log.
+   gone["reason"] = own_ ? parent_.events().goneReason() : "otherSupervisor";
    parent_.events().tell("neighbor-gone", gone);
 }
 

@@ -14,7 +14,8 @@ class LldpStatusSm;
 
 class NeighborSm : public Rex::StateMachine {
  public:
-   NeighborSm(const Wirekit::IntfId& port, Lldp::RemoteSystem::PtrConst remoteSystem,
+   // `own`: this supervisor's agent knows the neighbour, and not the other's.
+   NeighborSm(const Wirekit::IntfId& port, Lldp::RemoteSystem::PtrConst remoteSystem, bool own,
               LldpStatusSm& parent);
 
    const Lldp::RemoteSystem::PtrConst& remoteSystem() const { return remoteSystem_; }
@@ -29,6 +30,7 @@ class NeighborSm : public Rex::StateMachine {
 
    const Wirekit::IntfId port_;
    const Lldp::RemoteSystem::PtrConst remoteSystem_;
+   const bool own_;
    LldpStatusSm& parent_;
    const uint32_t madeIn_;          // the reaction
    std::vector<uint32_t> changed_;  // attributes, in the order of their change

@@ -2,7 +2,9 @@
 
 #include <boost/unordered/unordered_flat_set.hpp>
 
+#include "Rex/Context.h"
 #include "Rex/Entity.h"
+#include "Rex/StateMachine.h"
 
 namespace Rex {
 namespace {
@@ -11,6 +13,20 @@ struct Pending {
    Ptr<Entity> entity;
    uint32_t attribute;
    AnyKey key;
+};
+
+struct Deferred {
+   Ptr<StateMachine> machine;
+   Reaction reaction;
+   Ptr<const Entity> entity;
+   uint32_t attribute;
+   AnyKey key;
+
+   void run() const {
+      if (machine->closed()) return;
+      ContextScope scope(machine->context());
+      reaction.run(*machine, reaction, {*entity, attribute, key});
+   }
 };
 
 struct Identity {
@@ -32,6 +48,8 @@ struct Identity {
 struct Queue {
    std::vector<Pending> changes;
    size_t next = 0;
+   std::vector<Deferred> deferred;
+   size_t nextDeferred = 0;
    boost::unordered_flat_set<Identity, boost::hash<Identity>> waiting;
    uint32_t lastReaction = Dispatcher::idle;
 
@@ -53,7 +71,8 @@ struct Queue {
    void clear() {
       changes.clear();
       waiting.clear();
-      next = 0;
+      deferred.clear();
+      next = nextDeferred = 0;
    }
 };
 Queue queue;
@@ -80,10 +99,22 @@ void Dispatcher::changed(Entity& entity, uint32_t attribute, AnyKey key) {
    drain();
 }
 
+void Dispatcher::defer(StateMachine& machine, const Reaction& reaction, const Change& change) {
+   queue.deferred.push_back({Ptr<StateMachine>(&machine), reaction,
+                             Ptr<const Entity>(&change.entity), change.attribute, change.key});
+}
+
 void Dispatcher::drain() {
-   while (queue.next < queue.changes.size()) {
-      Pending change = queue.pop();
-      change.entity->deliver(change.attribute, change.key);
+   while (true) {
+      if (queue.next < queue.changes.size()) {
+         Pending change = queue.pop();
+         change.entity->deliver(change.attribute, change.key);
+      } else if (queue.nextDeferred < queue.deferred.size()) {
+         Deferred deferred = std::move(queue.deferred[queue.nextDeferred++]);
+         deferred.run();
+      } else {
+         return;
+      }
    }
 }
 

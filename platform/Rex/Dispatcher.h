@@ -8,6 +8,8 @@
 // - A change made inside a handler is queued as entity, attribute and key, once while pending, and
 //   delivered in order after the handler's end, to the watchers that stand then. A machine that an
 //   earlier change of the same reaction made thus sees the later ones.
+// - What was asked for with onLast() runs when nothing else of the reaction waits, each change by
+//   itself. It is for what shows the outcome of a reaction to the world outside.
 // - A change of an attribute that nobody watches when it is made queues nothing, unless its entity
 //   was made in this reaction. It reads one word of the entity.
 // - All of it stands when a handler adds or removes watchers, deletes its own machine, deletes the
@@ -25,6 +27,8 @@ namespace Rex {
 
 class Context;
 class Entity;
+class StateMachine;
+struct Reaction;
 
 // What a watcher of a whole entity is told.
 struct Change {
@@ -41,6 +45,8 @@ class Dispatcher {
 
    // Called by mutators, after the value is stored.
    static void changed(Entity& entity, uint32_t attribute, AnyKey key = {});
+   // Called at the delivery of a change whose handler is to run last.
+   static void defer(StateMachine& machine, const Reaction& reaction, const Change& change);
 
    // Runs `f` as a handler, then delivers what it changed. The loop calls everything through here.
    // Inside a running reaction `f` simply becomes part of it.

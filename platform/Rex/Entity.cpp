@@ -46,6 +46,10 @@ void Entity::deliver(uint32_t attribute, const AnyKey& key) {
       if (!watcher.machine || (watcher.attribute && watcher.attribute != attribute)) continue;
       // One that is being destroyed hears nothing more, not even of what its members' end changes.
       if (!watcher.machine->references()) continue;
+      if (watcher.last) {
+         Dispatcher::defer(*watcher.machine, watcher.reaction, change);
+         continue;
+      }
       // The machine may delete itself, and the list may grow, while the handler runs.
       Ptr<StateMachine> machine(watcher.machine);
       ContextScope scope(machine->context());

@@ -23,10 +23,11 @@ void StateMachine::close() {
    doClose();
 }
 
-void StateMachine::watch(const Entity* entity, uint32_t attribute, const Reaction& reaction) {
+void StateMachine::watch(const Entity* entity, uint32_t attribute, const Reaction& reaction,
+                         bool last) {
    if (!entity || closed_) return;
    if (!entity->watchers_) entity->watchers_ = std::make_unique<Watchers>();
-   entity->watchers_->list.push_back({attribute, this, reaction});
+   entity->watchers_->list.push_back({attribute, last, this, reaction});
    entity->reckonHeard();
    if (!watched_.find(entity)) watched_.insert(entity, Ptr<const Entity>(entity));
 }

@@ -56,6 +56,15 @@ class StateMachine : public PtrInterface {
                (self.*method)(change.key.as<Key>());
             }));
    }
+   // The same, when nothing else of the reaction waits (Rex/Dispatcher.h).
+   template <class E, class Owner, class Key, class Sm>
+   void onLast(const Ptr<E>& entity, Attr<Owner, Key> attribute, void (Sm::*handler)(Key)) {
+      static_assert(std::is_base_of_v<Owner, E>, "the attribute belongs to another entity");
+      watch(entity.get(), attribute.id,
+            reaction(handler, [](Sm& self, auto method,
+                                 const Change& change) { (self.*method)(change.key.as<Key>()); }),
+            true);
+   }
    // With the change itself, for a machine that watches many entities of one type.
    template <class E, class Owner, class Key, class Sm>
    void on(const Ptr<E>& entity, Attr<Owner, Key> attribute, void (Sm::*handler)(const Change&)) {
@@ -94,7 +103,8 @@ class StateMachine : public PtrInterface {
       };
       return made;
    }
-   void watch(const Entity* entity, uint32_t attribute, const Reaction& reaction);
+   void watch(const Entity* entity, uint32_t attribute, const Reaction& reaction,
+              bool last = false);
    void own(Timer& timer, std::function<void()> run);
    void detach(const Entity& entity);
 

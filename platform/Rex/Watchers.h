@@ -19,6 +19,7 @@ struct Reaction {
 
 struct Watcher {
    uint32_t attribute;     // 0: every attribute
+   bool last;              // when all else of the reaction is delivered
    StateMachine* machine;  // null: removed while a delivery was on
    Reaction reaction;
 };

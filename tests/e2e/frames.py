@@ -8,6 +8,7 @@ from scapy.packet import Raw
 # Rows of malformed frames are wanted here: the forge is not to judge what it makes.
 conf.contribs["LLDP"].strict_mode_disable()
 
+DOT1, DOT3, MED = 0x0080C2, 0x00120F, 0x0012BB
 MULTICAST = "01:80:c2:00:00:0e"
 MAC = "02:00:00:00:00:01"
 
@@ -32,6 +33,12 @@ def frame(mac=MAC, port="port-1", ttl=120, name=None, *more, vlans=(), destinati
         made /= Dot1Q(vlan=vlan, prio=6)
     made.lastlayer().type = ethertype
     return bytes(made / Raw(bytes(tlvs(mac, port, ttl, name, *more))))
+
+
+def organisation(oui, subtype, content):
+    """An organisation's TLV; content as hexadecimal digits."""
+    return lldp.LLDPDUGenericOrganisationSpecific(org_code=oui, subtype=subtype,
+                                                  data=bytes.fromhex(content))
 
 
 def numbered(number):

@@ -1,21 +1,13 @@
 """The TLVs of IEEE 802.1, IEEE 802.3 and LLDP-MED, sent and read."""
 
 import pytest
-from scapy.contrib.lldp import LLDPDUGenericOrganisationSpecific
-
 from agent import request
 from conftest import Pair
 from dissector import fields, judge, write
-from frames import frame, split
+from frames import DOT1, DOT3, MED, frame, organisation, split
 from netns import eventually
 
-DOT1, DOT3, MED = 0x0080C2, 0x00120F, 0x0012BB
 ROW = "/v1/entity/l2discovery/lldp/cliConfig/cliPortConfig/Ethernet1"
-
-
-def organisation(oui, subtype, content):
-    return LLDPDUGenericOrganisationSpecific(org_code=oui, subtype=subtype,
-                                             data=bytes.fromhex(content))
 
 
 def sent(lldpdu):

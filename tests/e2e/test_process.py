@@ -89,7 +89,7 @@ def test_help_teaches():
     done = subprocess.run([AGENTD, "--help"], capture_output=True, text=True, timeout=5)
     for option in ("--port", "--cell", "--socket", "--run-dir", "--state-dir", "--config",
                    "--trace", "--feeders", "--module", "--read-socket", "--read-group",
-                   "--write-group"):
+                   "--write-group", "--redundancy"):
         assert option in done.stdout
 
 

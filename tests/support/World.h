@@ -39,7 +39,19 @@ class Wire : public Interface::Segment {
 // What a frame's first TLV of a type holds; "none" without one.
 std::string tlvIn(const Interface::Segment::Frame& frame, unsigned type);
 
-// An interface of a supervisor: its rows, as the switch would write them, and its cable.
+// How the two supervisors of a chassis share their state: here they work on one tree.
+class ChassisStore {
+ public:
+   const std::shared_ptr<Statestore::Tree>& treeOf(int /*cell*/) const { return tree_; }
+   // Lets what one of them wrote reach the other.
+   void settle() {}
+
+ private:
+   const std::shared_ptr<Statestore::Tree> tree_ = std::make_shared<Statestore::Tree>();
+};
+
+// An interface of a supervisor: its rows, as the switch would write them, and its cable. Where the
+// other supervisor's rows of that name are in sight, they are this one's too.
 class Port {
  public:
    Port(Supervisor& supervisor, const std::string& name, int ifIndex);
@@ -113,13 +125,18 @@ class Supervisor {
    Lldp::LocalSystem::Ptr localSystem() {
       return at<Lldp::LocalSystem>("l2discovery/lldp/localSystem");
    }
-   Lldp::Status::Ptr status();
+   Lldp::Status::Ptr status() { return statusOf(context_.cellId); }
    Bridging::Config::Ptr bridging() { return at<Bridging::Config>("bridging/config"); }
    System::NetStatus::Ptr netStatus() { return at<System::NetStatus>(cellPath("sys/net/status")); }
    Identity::Dot1x::Status::Ptr dot1x() {
       return at<Identity::Dot1x::Status>("identity/dot1x/status");
    }
    void redundancyIs(Redundancy::Protocol protocol, Redundancy::Mode mode);
+   // What the platform knows of the chassis: which supervisors are in it.
+   void cellPresentIs(int cell, bool present);
+   Lldp::AllStatus::Ptr allStatus() { return at<Lldp::AllStatus>("l2discovery/lldp/status/all"); }
+   // The status of any cell as this supervisor sees it.
+   Lldp::Status::Ptr statusOf(int cell);
    void clearNeighbors(double requestTime);
 
    // In the world, from 1; it stands in the MAC addresses of the switch and its ports.
@@ -149,8 +166,11 @@ class World {
 
    // A switch of one supervisor, whose host and system name is `name`; its agent starts.
    Supervisor& agent(const std::string& name);
-   // Two supervisors of one chassis, cells 1 and 2, which have not started.
-   std::pair<Supervisor&, Supervisor&> chassis(const std::string& name);
+   // Two supervisors of one chassis, cells 1 and 2, which are in it and have not started.
+   std::pair<Supervisor&, Supervisor&> chassis(const std::string& name, const ChassisStore& store);
+   std::pair<Supervisor&, Supervisor&> chassis(const std::string& name) {
+      return chassis(name, ChassisStore());
+   }
    Rex::Ptr<Wire> wire() { return Rex::make<Wire>(base_.context().clock()); }
 
    void run(double seconds) { base_.advance(seconds); }

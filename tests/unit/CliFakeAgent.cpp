@@ -40,7 +40,9 @@ void CliFakeAgent::serve(const std::string& path, const Rex::Entity& entity) {
       for (const std::string& key : member->keys(entity)) {
          auto child = member->child(entity, key);
          std::string below = target + "/" + member->name + "/" + LldpCli::Client::step(key);
-         if (child) answer(below, "200 OK", Rex::entityToJson(*child).dump());
+         if (!child) continue;
+         answer(below, "200 OK", Rex::entityToJson(*child).dump());
+         answer(below + "?depth=0", "200 OK", Rex::entityToJson(*child, 0).dump());
       }
    }
 }

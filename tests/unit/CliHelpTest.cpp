@@ -110,6 +110,8 @@ TEST_F(CliCompletion, OffersWhatMayFollow) {
        {{"trace", ""}, {"LldpAgent"}},
        {{"trace", "LldpAgent", "o"}, {"off"}},
        {{"completion", ""}, {"bash", "fish", "zsh"}},
+       {{"debug", "redundancy", ""}, {"active", "standby", "none", "1", "2"}},
+       {{"debug", "redundancy", "2", "st"}, {"standby"}},
        {{"show", "local", "--socket", ""}, {}},
        {{"nonsense", ""}, complete({""})},
    };

@@ -13,6 +13,7 @@
 namespace LldpCli {
 namespace {
 
+using testing::Contains;
 using testing::HasSubstr;
 
 std::string nameOf(const Setting& setting) {
@@ -224,13 +225,40 @@ TEST_F(CliSet, ShowConfigCanBePastedBack) {
              "# other/path: {\"x\":1}\n");
 }
 
+TEST_F(CliSet, RedundancyOfEitherSupervisor) {
+   const std::string active = R"({"protocol":"protocolHotStandby","mode":"modeActive"})";
+   for (const char* cell : {"1", "2"}) {
+      std::string target = std::string("/v1/entity/cell/") + cell + "/redundancy/status";
+      agent.answer("PATCH " + target, "204 No Content", "");
+      if (*cell == '1') agent.answer(target, "200 OK", active);
+   }
+   agent.start();
+   const std::vector<std::pair<std::vector<std::string>, std::string>> sent{
+       {{"active"}, "PATCH /v1/entity/cell/1/redundancy/status " + active},
+       {{"2", "standby"},
+        R"(PATCH /v1/entity/cell/2/redundancy/status {"protocol":"protocolHotStandby","mode":"modeStandby"})"},
+       {{"1", "none"},
+        R"(PATCH /v1/entity/cell/1/redundancy/status {"protocol":"protocolNone","mode":"modeUnknown"})"},
+   };
+   for (auto [words, request] : sent) {
+      words.insert(words.begin(), {"debug", "redundancy"});
+      EXPECT_EQ(run(words).status, 0);
+      EXPECT_EQ(agent.requests().back(), request);
+   }
+   EXPECT_EQ(run({"debug", "redundancy"}).out,
+             "Cell  Protocol            Mode\n   1  protocolHotStandby  modeActive\n");
+   EXPECT_EQ(run({"debug", "redundancy", "3", "active"}).status, 2);
+   EXPECT_THAT(run({"debug", "redundancy", "2"}).err, HasSubstr("ROLE: expected active, standby"));
+}
+
 TEST_F(CliSet, ClearSaveAndTrace) {
    agent.answer("/v1/config", "200 OK",
                 R"({"l2discovery/lldp/cliConfig": {"cliPortConfig": {"Ethernet1": {}}}})");
-   const std::string status = "/v1/entity/l2discovery/lldp/status/local/1?depth=1";
-   agent.answerOnce(status, "200 OK",
-                    R"({"portStatus": {"Ethernet1": {"remoteSystem": {"1": {}, "2": {}}}}})");
-   agent.answer(status, "200 OK", R"({"portStatus": {"Ethernet1": {"remoteSystem": {}}}})");
+   const std::string status = "/v1/entity/l2discovery/lldp/status/local/1";
+   const std::string port = status + "/portStatus/Ethernet1?depth=0";
+   agent.answer(status + "?depth=0", "200 OK", R"({"portStatus": {"Ethernet1": {}}})");
+   agent.answerOnce(port, "200 OK", R"({"remoteSystem": {"1": {}, "2": {}}})");
+   agent.answer(port, "200 OK", R"({"remoteSystem": {}})");
    agent.answer("PATCH /v1/entity/l2discovery/lldp/remTablesCliConfig", "204 No Content", "");
    agent.answer("POST /v1/config/save", "200 OK", R"({"file": "/etc/lldp\u001b.json"})");
    agent.answer("/v1/agent/trace", "200 OK", R"({"LldpAgent": [], "LldpProtocol": [0, 4]})");
@@ -238,8 +266,8 @@ TEST_F(CliSet, ClearSaveAndTrace) {
    agent.start();
    EXPECT_EQ(run({"show", "config"}).out, "# everything has its default\n");
    EXPECT_EQ(run({"clear", "neighbors"}).out, "2 neighbors cleared\n");
-   EXPECT_THAT(agent.requests()[agent.requests().size() - 2],
-               HasSubstr(R"({"requesterName":"admin","requesterLine":"pts/3"})"));
+   EXPECT_THAT(agent.requests(),
+               Contains(HasSubstr(R"({"requesterName":"admin","requesterLine":"pts/3"})")));
    EXPECT_EQ(run({"config", "save"}).out, "saved to /etc/lldp\\x1b.json\n");
    EXPECT_EQ(agent.requests().back(), "POST /v1/config/save");
    EXPECT_EQ(run({"trace"}).out, "Facility      Levels\nLldpAgent     off\nLldpProtocol  0,4\n");

@@ -38,6 +38,7 @@ class CliShow : public testing::Test {
       for (const auto& port : {ethernet10, ethernet2, ethernet1}) {
          status->portStatusIs(port, now - 500);
          config->portConfigIs(port)->adminStatusIs(Lldp::AdminStatus::txAndRx);
+         config->portConfig(port)->mgmtAddrTxEnableIs(true);
          local->localPortIs(port)->portIdentifierIs(
              {Lldp::PortIdSubtype::interfaceName, Lldp::PortId(port.stringValue())});
       }
@@ -246,6 +247,7 @@ TEST_F(CliShow, Local) {
 
 TEST_F(CliShow, WhoHasAnExternalTlvSent) {
    const Lldp::UnknownOrgDefTlv tlv{{{0x0A1B2C}, 1, 1}, Lldp::BoundedString507("hi", 2)};
+   const Lldp::UnknownOrgDefTlv last{{{0x001B21}, 2, 1}, Lldp::BoundedString507("ack", 3)};
    for (const char* name : {"mine", "lost"}) {
       auto provider = Rex::make<Lldp::ExternalTlvConfig>();
       auto row = provider->externalTlvPortConfigIs(ethernet2);
@@ -253,10 +255,16 @@ TEST_F(CliShow, WhoHasAnExternalTlvSent) {
       externalTlvs->entityPtrIs(name, provider);
    }
    local->localPort(ethernet2)->unknownOrgDefTlvIs(tlv);
+   local->localPort(ethernet2)->unknownOrgDefTlvIs(last);
    EXPECT_EQ(showJson({"local"}).at("local").at("ports").at(1).at("externalTlvs"), Json::parse(R"([
-      {"oui": "0a-1b-2c", "subtype": 1, "index": 1, "value": "6869", "providers": ["mine"]}])"));
-   EXPECT_THAT(show({"local", "Ethernet2"}),
-               testing::EndsWith("External TLV      0a-1b-2c subtype 1: 6869, from mine\n"));
+      {"oui": "00-1b-21", "subtype": 2, "index": 1, "value": "61636b", "providers": [],
+       "sent": true},
+      {"oui": "0a-1b-2c", "subtype": 1, "index": 1, "value": "6869", "providers": ["mine"],
+       "sent": false}])"));
+   EXPECT_THAT(
+       show({"local", "Ethernet2"}),
+       testing::EndsWith("External TLV      00-1b-21 subtype 2: 61636b\n"
+                         "External TLV      0a-1b-2c subtype 1: 6869, from mine, not sent\n"));
 }
 
 TEST_F(CliShow, TheTlvsOfAPort) {
@@ -295,6 +303,32 @@ TEST_F(CliShow, TheTlvsOfAPort) {
                          "Maximum frame size      9236\n"
                          "Network policy          voice: tagged, VLAN 20, priority 5, DSCP 46\n"
                          "Power without a report  15.4 W\n"));
+}
+
+TEST_F(CliShow, OneTableOfBothSupervisors) {
+   auto theirs = Rex::make<Lldp::Status>();
+   auto management = theirs->portStatusIs(Wirekit::IntfId("Management2/1"), 0.0);
+   management->remoteSystemIs(1, msap("spine-1", "p1"));
+   status->portStatusIs(Wirekit::IntfId("Ethernet3"), 0.0);  // which the merged table has lost
+   auto all = Rex::make<Lldp::AllStatus>();
+   all->portStatusIs(management);
+   all->portStatusIs(status->portStatus(ethernet2));
+   all->remTablesInsertsIs(77);
+   agent.serve("l2discovery/lldp/status/all", *all);
+   Json statistics = showJson({"statistics"}).at("statistics");
+   EXPECT_EQ(statistics.at("table").at("inserts"), 77);
+   std::string ports;
+   for (const Json& port : statistics.at("ports"))
+      ports += port.at("port").get<std::string>() + " ";
+   EXPECT_EQ(ports, "Ethernet1 Ethernet2 Ethernet3 Ethernet10/1 Management2/1 ");
+   EXPECT_THAT(show({"neighbors", "Management2/1"}), HasSubstr("spine-1"));
+   EXPECT_THAT(ask({"neighbors", "Ethernet9"}).err, HasSubstr("Ethernet10/1, Management2/1"));
+}
+
+TEST_F(CliShow, OwnTableWhereNobodyKeepsOneOfBoth) {
+   status->remTablesInsertsIs(5);
+   agent.serve("l2discovery/lldp/status/all", *Rex::make<Lldp::AllStatus>());
+   EXPECT_EQ(showJson({"statistics"}).at("statistics").at("table").at("inserts"), 5);
 }
 
 TEST_F(CliShow, Statistics) {

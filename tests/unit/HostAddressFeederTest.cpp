@@ -108,6 +108,27 @@ TEST_F(AddressFeederTest, throughAdditionsAndRemovals) {
    EXPECT_EQ(told(), "mac");
 }
 
+// All that the kernel says in one turn is one reaction, whoever has the address before and after.
+TEST_F(AddressFeederTest, anAddressMovesBetweenInterfaces) {
+   for (auto [from, to] : {std::pair(2, 3), {3, 2}}) {
+      for (int kinds = 0; kinds < 8; ++kinds) {
+         bool wasSecondary = kinds & 1, isSecondary = kinds & 2, hadRow = kinds & 4;
+         sw.network.addresses.addressesAre({});
+         sw.ip4(from, "10.1.0.1/24");
+         sw.ip4(from, "10.1.0.9/24", wasSecondary);
+         if (!wasSecondary) sw.noIp4(from, "10.1.0.1/24");
+         if (hadRow || isSecondary) sw.ip4(to, "10.2.0.1/24");
+         told();
+         sw.noIp4(from, "10.1.0.9/24");
+         if (!isSecondary) sw.noIp4(to, "10.2.0.1/24");
+         sw.ip4(to, "10.1.0.9/24", isSecondary);
+         std::string now = told();
+         EXPECT_NE(now.find("10.1.0.9"), std::string::npos)
+             << from << " to " << to << ", kinds " << kinds << ": " << now;
+      }
+   }
+}
+
 TEST_F(AddressFeederTest, interfacesThatGoAndVrfs) {
    sw.ip4(2, "10.0.0.2/24");
    sw.ip4(2, "10.0.0.1/24", true);

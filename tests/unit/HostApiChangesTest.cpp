@@ -2,6 +2,9 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
+#include "Foreign/Ip.h"
+#include "Foreign/Ip6.h"
+#include "Interface/IntfStatus.h"
 #include "Rex/Dir.h"
 #include "host/ApiEntities.h"
 #include "unit/HostStore.h"
@@ -101,6 +104,33 @@ TEST_F(HostApiChanges, MayRelyOnRowsThatEarlierOnesMake) {
    EXPECT_EQ(change({}).status, 204);
 }
 
+TEST_F(HostApiChanges, AnAddressNeedsAnInterfaceWithANumber) {
+   auto intfs = Rex::dynamicPtr<Interface::AllIntfStatusDir>(
+       store.manager->entityIs("interface/status/all", "Interface::AllIntfStatusDir"));
+   store.manager->entityIs("ip/status", "Ip::Status");
+   store.manager->entityIs("ip6/status", "Ip6::Status");
+   const std::string ip = "PUT ip/status/ipIntfStatus/Vlan7",
+                     ip6 = "PUT ip6/status/ipIntfStatus/Vlan7";
+   const std::vector<std::string> addresses{
+       ip + R"( {"activeAddrWithMask": "192.0.2.1/24"})",
+       ip + R"( {"secondaryWithMask": [{"key": "192.0.2.1/24", "value": true}]})",
+       ip6 + R"( {"addr": [{"addrWithMask": "2001:db8::1/64"}]})"};
+   auto refused = [&] {
+      for (const std::string& address : addresses) {
+         auto answer = change({address});
+         EXPECT_EQ(answer.status, 409) << address;
+         EXPECT_THAT(answer.body.dump(), HasSubstr("has no number"));
+      }
+   };
+   refused();
+   auto vlan = Rex::make<Interface::IntfStatus>(Wirekit::IntfId("Vlan7"));
+   intfs->intfStatusIs(vlan);
+   refused();
+   EXPECT_EQ(change({ip, ip6}).status, 204) << "rows without addresses harm nobody";
+   vlan->ifIndexIs(7);
+   for (const std::string& address : addresses) EXPECT_EQ(change({address}).status, 204) << address;
+}
+
 // Whoever reads a provider's rows watches their keys alone.
 TEST_F(HostApiChanges, AProvidersRowIsReplacedByAWrite) {
    const std::string row = tlvs + "/provider/externalTlvPortConfig/Ethernet1";
@@ -141,6 +171,10 @@ TEST_F(HostApiChanges, AProvidersRowIsReplacedByAWrite) {
              409);
    EXPECT_EQ(change({"PUT " + tlvs + "/other", asks("/other" + port + "2", "2"),
                      asks("/other" + port + "1", "3"), asks("/provider" + port + "1", "2")})
+                 .status,
+             204);
+   // A hand-over.
+   EXPECT_EQ(change({"DELETE " + tlvs + "/provider" + port + "1", asks("/other" + port + "1", "2")})
                  .status,
              204);
 }

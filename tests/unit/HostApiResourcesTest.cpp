@@ -159,7 +159,10 @@ TEST_F(HostApiResources, RangesHoldAtTheirEnds) {
    };
    const Case cases[] = {
        {config, R"({"ip6MgmtAddrIntfName":#})", {text(64), "\"\""}, {text(65), "\"a b\""}},
-       {config, R"({"mgmtAddrTxOption":{"intfName":#}})", {text(64), "\"\""}, {text(65)}},
+       {config,
+        R"({"mgmtAddrTxOption":{"intfName":#}})",
+        {text(64), "\"\"", "\"Vlan4094\""},
+        {text(65), "\"Vlan0\"", "\"Vlan4095\""}},
        {config, R"({"mgmtAddrVrf":#})", {text(100)}, {text(101)}},
        {port, R"({"networkPolicyConfig":[{},{"appType":1,"vlanId":#}]})", {"4094"}, {"4095"}},
        {port, R"({"networkPolicyConfig":[{"l2Priority":#}]})", {"7"}, {"8"}},

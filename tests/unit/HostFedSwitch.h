@@ -44,11 +44,11 @@ struct FedSwitch : LldpTest::InputFixture {
    explicit FedSwitch(const std::vector<Link>& links) {
       network.links.linksAre(devices(links));
       bridgingFeeder.emplace(manager, network.links, served);
-      linksFeeder.emplace(manager, network.links, served, intfs, names,
+      linksFeeder.emplace(manager, network.links, served, tables, intfs, names,
                           [](const Link& link) { return "name:" + link.name; });
       virtualIntfFeeder.emplace(network, served, intfs);
       switchportFeeder.emplace(*manager, network, intfs);
-      groupFeeder.emplace(*manager, network.links, intfs);
+      groupFeeder.emplace(tables, network.links, intfs);
       addressFeeder.emplace(*manager, network, intfs);
       intfDir = at<Interface::AllIntfStatusDir>("interface/status/all");
       phyDir = at<Interface::AllEthPhyIntfStatusDir>("interface/status/eth/phy/all");
@@ -113,7 +113,8 @@ struct FedSwitch : LldpTest::InputFixture {
    ServedDevices served;
    TestFolder folder;
    PortNames names{{}, folder.path + "/ports.json"};
-   Intfs intfs{*manager};
+   IntfTables tables{*manager};
+   Intfs intfs{tables};
    std::optional<BridgingFeeder> bridgingFeeder;
    std::optional<LinksFeeder> linksFeeder;
    std::optional<VirtualIntfFeeder> virtualIntfFeeder;

@@ -73,16 +73,27 @@ TEST(Links, aFullReadTellsTheDifferences) {
    EXPECT_EQ(links.named("c"), nullptr);
 }
 
-TEST(BridgingFeeder, theSwitchsOwnAddress) {
+struct ServedLinksTest : testing::Test {
+   ServedLinksTest() {
+      links.listenerIs([this](const Link* before, const Link* after) {
+         served.handleLink(after ? after->ifIndex : before->ifIndex);
+      });
+   }
+   EthAddr addr(const EthAddr& present = {}) {
+      EthAddr found = served.bridgeMacAddr(present);
+      EXPECT_EQ(found, ServedLinks(links, every).bridgeMacAddr(present)) << "read anew";
+      return found;
+   }
    ServedDevices every;
    Links links;
-   auto addr = [&](const EthAddr& present = {}) {
-      return BridgingFeeder::bridgeMacAddr(links, every, present);
-   };
+   ServedLinks served{links, every};
+};
+
+TEST_F(ServedLinksTest, theSwitchsOwnAddress) {
    const EthAddr low(2, 0, 0, 0, 0, 3), high(2, 0, 0, 0, 0, 5), gone(2, 9, 9, 9, 9, 9);
    EXPECT_TRUE(addr().isZero());
    EXPECT_EQ(addr(gone), gone) << "without a device it stays";
-   EXPECT_EQ(BridgingFeeder::maxFrameSize(links, every), 0);
+   EXPECT_EQ(served.maxFrameSize(), 0);
    links.linkIs(device(5, "b"));
    links.linkIs(device(2, "dummy0", "dummy"));
    EXPECT_EQ(addr(), high) << "what is no port has no say";
@@ -110,16 +121,17 @@ TEST(BridgingFeeder, theSwitchsOwnAddress) {
    bond.master = 3;
    links.linkIs(bond);
    EXPECT_EQ(addr(high), links.named("br1")->ethAddr);
+   links.linkDel(7);
+   EXPECT_EQ(addr(high), high) << "a bridge that has gone before its members know";
 }
 
-TEST(BridgingFeeder, theLongestFrame) {
-   Links links;
+TEST_F(ServedLinksTest, theLongestFrame) {
    Link jumbo = device(2, "b");
    for (auto [mtu, octets] :
         {std::pair(1500u, 1518), {9214u, 9232}, {65535u, 65535}, {4294967295u, 65535}}) {
       jumbo.mtu = mtu;
       links.linksAre(devices({device(1, "a"), jumbo}));
-      EXPECT_EQ(BridgingFeeder::maxFrameSize(links, ServedDevices()), octets);
+      EXPECT_EQ(served.maxFrameSize(), octets);
    }
 }
 
@@ -207,7 +219,7 @@ class LinksFeederTest : public testing::Test {
  protected:
    LinksFeederTest() {
       links.linksAre(devices({device(2, "a"), device(3, "b"), device(4, "br0", "bridge")}));
-      feeder.emplace(manager, links, served, intfs, names,
+      feeder.emplace(manager, links, served, tables, intfs, names,
                      [](const Link& link) { return "name:" + link.name; });
       order.emplace(*manager);
    }
@@ -216,7 +228,8 @@ class LinksFeederTest : public testing::Test {
    Rex::Ptr<Statestore::EntityManager> manager = Rex::make<Statestore::EntityManager>();
    Links links;
    ServedDevices served;
-   Intfs intfs{*manager};
+   IntfTables tables{*manager};
+   Intfs intfs{tables};
    TestFolder folder;
    PortNames names{{}, folder.path + "/ports.json"};
    std::optional<LinksFeeder> feeder;
@@ -295,8 +308,10 @@ TEST_F(LinksFeederTest, devicesWithOneIdentity) {
    auto tree = std::make_shared<Statestore::Tree>();
    context.context().serviceIs<Statestore::Tree>(tree);
    auto manager = Rex::make<Statestore::EntityManager>();
-   Intfs intfs(*manager);
-   LinksFeeder feeder(manager, twins, served, intfs, fresh, [](const Link&) { return "mac:same"; });
+   IntfTables tables(*manager);
+   Intfs intfs(tables);
+   LinksFeeder feeder(manager, twins, served, tables, intfs, fresh,
+                      [](const Link&) { return "mac:same"; });
    twins.linkIs(device(4, "c", ""));
    EXPECT_EQ(feeder.ports().size(), 3u);
 }

@@ -52,6 +52,20 @@ TEST(HostOptions, TheSocketForReadingStandsBesideTheOther) {
    EXPECT_EQ(parse({"--read-group", "root", "--read-socket", "c.sock"})->readSocket, "c.sock");
 }
 
+TEST(HostOptions, ThePasswordOfTheStoreComesFromAFile) {
+   Host::TestFolder folder;
+   std::string file = folder.path + "/password";
+   std::ofstream(file) << "secret\n";
+   EXPECT_FALSE(parse({})->store);
+   auto options = parse({"--store", "unix:/s?database=2", "--store-password-file", file.c_str()});
+   EXPECT_EQ(options->store->text(), "unix:/s?database=2");
+   EXPECT_EQ(options->store->password, "secret");
+   EXPECT_THAT(refusal<Host::StartError>([&] {
+                  parse({"--store", "redis://:x@h", "--store-password-file", file.c_str()});
+               }),
+               AllOf(HasSubstr(file), HasSubstr("already")));
+}
+
 TEST(HostOptions, AWrongOneIsNamedInOneLine) {
    struct Case {
       std::vector<const char*> words;
@@ -76,6 +90,10 @@ TEST(HostOptions, AWrongOneIsNamedInOneLine) {
        {{"--trace", "A="}, {"A="}},
        {{"--trace", "=1"}, {"=1"}},
        {{"--socket"}, {"--socket"}},
+       {{"--store", ""}, {"--store", "expected redis://"}},
+       {{"--store", "redis://:secret%@h"}, {"--store", "%25"}},
+       {{"--store", "unix:/s", "--store-password-file", "none"}, {"none", "no such file"}},
+       {{"--store-password-file", "x"}, {"--store-password-file", "needs --store"}},
        {{"--write-group", "no such"}, {"--write-group", "no such", "no group"}},
        {{"--read-group", "no such"}, {"--read-group", "no such", "no group"}},
        {{"--read-socket", "x"}, {"--read-socket x", "--read-group"}},

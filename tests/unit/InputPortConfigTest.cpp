@@ -167,5 +167,5 @@ TEST(InputPortConfigDeathTest, RowThatChangesItsEntityInPlace) {
    InputFixture input;
    input.startActive();
    input.describe("Ethernet1", "first");
-   EXPECT_DEATH(input.describe("Ethernet1", "second"), "!ethPhyIntfConfigSmHas\\(intfId\\)");
+   EXPECT_DEATH(input.describe("Ethernet1", "second"), "!ethPhyIntfConfigSmHas\\( intfId \\)");
 }

@@ -54,6 +54,10 @@ class ProbeSm : public Rex::StateMachine {
       box_ = box;
       on(box_, Box::aAttr, &ProbeSm::handleA);
    }
+   void watchChildrenLast() {
+      unwatch(box_);
+      onLast(box_, Box::childAttr, &ProbeSm::handleChild);
+   }
    int closings = 0;
 
  private:
@@ -164,6 +168,26 @@ TEST_F(RexDispatcher, AMachineMadeByAnEarlierChangeSeesTheLaterOnesOfTheReaction
       child->itemIs({2, 2});
    });
    EXPECT_THAT(heard, ElementsAre("a=5", "item 2"));
+}
+
+TEST_F(RexDispatcher, WhatIsToRunLastRunsBehindAllThatTheReactionChanges) {
+   auto last = probe(box, record([&](const std::string& word) {
+                        if (word == "child 1") other->bIs(3);
+                     }));
+   last->watchChildrenLast();
+   auto closed = probe(box, record());
+   closed->watchChildrenLast();
+   auto sm = probe(other, record([&](const std::string& word) {
+                      if (word == "a=1") other->bIs(2);
+                      if (word == "b=2") closed->close();
+                   }));
+   Rex::Dispatcher::run([&] {
+      box->childIs(1);
+      box->childIs(2);
+      other->aIs(1);
+   });
+   EXPECT_THAT(heard, ElementsAre("a=1", "end a=1", "b=2", "end b=2", "child 1", "end child 1",
+                                  "b=3", "end b=3", "child 2", "end child 2"));
 }
 
 TEST_F(RexDispatcher, AnOldEntityThatNobodyWatchesQueuesNothing) {

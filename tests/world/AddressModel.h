@@ -190,8 +190,9 @@ class AddressModel {
       intf.last = intf.active;
       bool held = rows.count(intf.active);
       auto own = intf.secondaries.find(intf.active);
-      bool counts = own != intf.secondaries.end() && own->second;
-      if (held && (counts || intf.toldSecondaries.count(intf.active))) {
+      bool counts =
+          own != intf.secondaries.end() ? own->second : intf.toldSecondaries.count(intf.active) > 0;
+      if (held && counts) {
          if (!intf.toldSecondaries.count(intf.active)) surpriseShared();
          removeSecondary(name, intf.active);
       } else if (held) {

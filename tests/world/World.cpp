@@ -28,7 +28,13 @@ std::string tlvIn(const Interface::Segment::Frame& frame, unsigned type) {
 Port::Port(Supervisor& supervisor, const std::string& name, int ifIndex)
     : supervisor_(supervisor), intfId_(name.c_str()), ifIndex_(ifIndex) {
    plug(supervisor_.world().wire());
-   enter();
+   Dirs dir = dirs();
+   phy_ = dir.phy->intfStatus(intfId_);
+   if (phy_) {
+      dir.local->intfStatusIs(dir.all->intfStatus(intfId_));
+   } else {
+      enter();
+   }
 }
 
 Wire& Port::joins(Port& other) {
@@ -162,9 +168,19 @@ Port& Supervisor::port(const std::string& name) {
 }
 
 // The directory's entry, which the agent makes or waits for.
-Lldp::Status::Ptr Supervisor::status() {
+Lldp::Status::Ptr Supervisor::statusOf(int cell) {
    auto dir = at<Rex::Dir>("l2discovery/lldp/status/local");
-   return Rex::dynamicPtr<Lldp::Status>(dir->entityPtr(Rex::format("%d", context_.cellId)));
+   return Rex::dynamicPtr<Lldp::Status>(dir->entityPtr(Rex::format("%d", cell)));
+}
+
+void Supervisor::cellPresentIs(int cell, bool present) {
+   auto cells = at<Rex::Dir>("hardware/cellInfo");
+   Rex::String name = Rex::format("%d", cell);
+   if (present) {
+      cells->createEntity(name, "Rex::Dir");
+   } else {
+      cells->deleteEntity(name);
+   }
 }
 
 void Supervisor::redundancyIs(Redundancy::Protocol protocol, Redundancy::Mode mode) {
@@ -199,11 +215,12 @@ Supervisor& World::agent(const std::string& name) {
    return supervisor;
 }
 
-std::pair<Supervisor&, Supervisor&> World::chassis(const std::string& name) {
-   auto store = std::make_shared<Statestore::Tree>();
-   auto& first = add(name, 1, store);
-   auto& second = add(name, 2, store);
+std::pair<Supervisor&, Supervisor&> World::chassis(const std::string& name,
+                                                   const ChassisStore& store) {
+   auto& first = add(name, 1, store.treeOf(1));
+   auto& second = add(name, 2, store.treeOf(2));
    first.bridging()->bridgeMacAddrIs({2, 0, 0, 0, 1, 0});
+   for (int cell : {1, 2}) first.cellPresentIs(cell, true);
    return {first, second};
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "host/Watch/LldpEvents.h"
+#include "support/Chassis.h"
 #include "support/Engine.h"
 #include "support/EventReader.h"
 #include "support/FrameBuilder.h"
@@ -178,4 +179,21 @@ TEST(WorldEvents, FollowAnAgentThatStartsAndBecomesActiveLater) {
    first.at<Rex::Dir>("l2discovery/lldp/status/local")->createEntity("1", "Lldp::Status");
    world.run(40);
    EXPECT_THAT(listening.told(), ElementsAre("neighbor-added Ethernet1 b"));
+}
+
+TEST(WorldEvents, TellOfBothSupervisors) {
+   World world;
+   Chassis chassis(world);
+   for (int cell : {1, 2}) {
+      chassis.start(cell, cell == 1 ? Redundancy::modeActive : Redundancy::modeStandby);
+   }
+   world.run(40);
+   Listening active{chassis.cell(1)};
+   active.start(true);
+   EXPECT_THAT(active.told(), testing::Contains("neighbor-standing Management2/1 peer"));
+   chassis.peer.netStatus()->hostnameIs("far");
+   world.run(40);
+   EXPECT_THAT(active.told(), testing::Contains(testing::HasSubstr("-changed Management2/1 far")));
+   chassis.cell(2).port("Management2/1").linkIs(false);
+   EXPECT_THAT(active.told(), testing::Contains("neighbor-gone Management2/1 far otherSupervisor"));
 }

@@ -1,4 +1,4 @@
-// Start, stop, restart, and the two supervisors of a chassis.
+// Start, stop and restart of one supervisor.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -168,34 +168,4 @@ TEST(WorldStop, RunningAgentEndsItsPorts) {
    a.cli()->enabledIs(false);
    a.netStatus()->hostnameIs("other");
    EXPECT_EQ(a.localSystem()->sysName().value(), "a");
-}
-
-TEST(WorldChassis, StandbyTakesOverInPlace) {
-   World world;
-   auto [first, second] = world.chassis("switch");
-   auto& peer = world.agent("peer");
-   first.redundancyIs(protocolHotStandby, modeActive);
-   second.redundancyIs(protocolHotStandby, modeStandby);
-   makeStatusOf(second);
-   second.port("Management2/1").joins(peer.port("Ethernet1"));
-   second.port("Ethernet1/1").joins(peer.port("Ethernet2"));
-   first.start();
-   second.start();
-   world.run(33);
-   auto status = second.port("Management2/1").status();
-   auto neighbor = second.port("Management2/1").neighbor();
-   ASSERT_TRUE(neighbor);
-
-   // The active supervisor's process is gone at once, and its rows stay.
-   auto rows = second.config()->portConfig(Wirekit::IntfId("Management2/1"));
-   second.redundancyIs(protocolHotStandby, modeActive);
-   EXPECT_FALSE(second.agent()->standbyMode());
-   EXPECT_FALSE(second.agent()->inputRoot()->standbyEthIntfStatusDirSm());
-   EXPECT_TRUE(second.port("Ethernet1/1").status());
-   world.run(33);
-   EXPECT_EQ(second.port("Management2/1").status(), status);
-   EXPECT_EQ(second.port("Management2/1").neighbor(), neighbor);
-   EXPECT_EQ(second.port("Management2/1").config(), rows);
-   EXPECT_THAT(second.port("Ethernet1/1").neighbors(), ElementsAre("peer Ethernet2"));
-   EXPECT_THAT(peer.port("Ethernet2").neighbors(), ElementsAre("switch Ethernet1/1"));
 }

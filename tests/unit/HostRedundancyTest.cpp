@@ -1,0 +1,94 @@
+// When a process begins anew because its agent cannot take up the role that it is given.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "host/Redundancy.h"
+#include "support/TestContext.h"
+
+using Host::Role;
+using Redundancy::modeActive;
+using Redundancy::modeStandby;
+using Redundancy::modeTakingOver;
+using Redundancy::protocolHotStandby;
+using Redundancy::protocolNone;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+struct RedundancyOfTheHost : testing::Test {
+   LldpTest::TestContext context;
+   Rex::Ptr<Statestore::EntityManager> manager = Rex::make<Statestore::EntityManager>();
+   Rex::Dir::Ptr statusDir = Rex::make<Rex::Dir>();
+   Redundancy::RedundancyStatus::Ptr status;
+   Rex::Ptr<Host::RedundancySm> sm;
+   std::vector<Role> restarts;
+   int takeovers = 0;
+
+   ~RedundancyOfTheHost() override {
+      if (sm) sm->close();
+   }
+   void begin(std::optional<Role> role = {}) {
+      status = Host::redundancyIn(*manager, role);
+      sm = Rex::make<Host::RedundancySm>(
+          status, statusDir,
+          Host::RedundancySm::Reactions{[this] { ++takeovers; },
+                                        [this](Role as) { restarts.push_back(as); }});
+      context.settle();
+   }
+   // As the management API writes them.
+   void roleIs(Redundancy::Protocol protocol, Redundancy::Mode mode) {
+      status->protocolIs(protocol);
+      status->modeIs(mode);
+      context.settle();
+   }
+};
+
+}  // namespace
+
+TEST_F(RedundancyOfTheHost, AnActiveThatIsToBeStandbyBeginsAnewOnce) {
+   begin();
+   roleIs(protocolHotStandby, modeActive);
+   EXPECT_THAT(restarts, IsEmpty()) << "also not for what stood between protocol and mode";
+   roleIs(protocolHotStandby, modeTakingOver);
+   EXPECT_THAT(restarts, ElementsAre(Role::standby));
+   roleIs(protocolHotStandby, modeStandby);
+   EXPECT_EQ(restarts.size(), 1u);
+}
+
+TEST_F(RedundancyOfTheHost, AStandbyTakesOverInPlaceUnlessItWaits) {
+   begin(Role::standby);
+   EXPECT_EQ(status->mode(), modeStandby);
+   roleIs(protocolHotStandby, modeTakingOver);
+   statusDir->createEntity("1", "Lldp::Status");
+   roleIs(protocolHotStandby, modeActive);
+   EXPECT_THAT(restarts, IsEmpty());
+   EXPECT_EQ(takeovers, 1);
+   roleIs(protocolHotStandby, modeStandby);
+   EXPECT_THAT(restarts, ElementsAre(Role::standby)) << "it was active in between";
+
+   sm->close();
+   restarts.clear();
+   statusDir->deleteEntity("1");
+   begin();
+   roleIs(protocolNone, modeStandby);
+   EXPECT_THAT(restarts, ElementsAre(Role::active)) << "nobody has made its status";
+}
+
+TEST_F(RedundancyOfTheHost, WhatTheStoreSaysIsOlderThanTheOption) {
+   begin(Role::active);
+   EXPECT_EQ(status->mode(), modeActive);
+   sm->close();
+   begin(Role::standby);
+   EXPECT_EQ(status->mode(), modeActive);
+   EXPECT_TRUE(manager->getEntity("cell/2/redundancy/status"));
+   EXPECT_TRUE(manager->getEntity("hardware/cellInfo/1")) << "it is in the chassis";
+}
+
+TEST(RedundancyRestart, HasTheArgumentsAndTheRole) {
+   EXPECT_THAT(Host::restartArguments({"a", "--cell", "2", "--redundancy", "active", "eth0"},
+                                      Role::standby),
+               ElementsAre("a", "--redundancy", "standby", "--cell", "2", "eth0"));
+   EXPECT_THAT(Host::restartArguments({"a", "--redundancy=standby", "--redundancy"}, Role::active),
+               ElementsAre("a", "--redundancy", "active"));
+}
