@@ -55,19 +55,18 @@ Replica::~Replica() {
    tree_.replicaIs(nullptr);
 }
 
+// A change on its way stays: what is being read may be compared with it.
 void Replica::freeze() {
    if (detached_ || frozen_) return;
    frozen_ = true;
-   const bool sends = !reload_ && !life_.empty();  // else it is not known what is in the store
-   if (sends) rest_ = rowWriter_.take(std::numeric_limits<size_t>::max());
-   if (!sends || (flight_ && flight_->state == Flight::State::made)) flight_.reset();
+   // Else it is not known what is in the store.
+   if (!reload_ && !life_.empty()) rest_ = rowWriter_.take(std::numeric_limits<size_t>::max());
    letGo();
-   step();
+   turn_.timeMinIs(0);
 }
 
 void Replica::detach() {
    detached_ = true;
-   flight_.reset();
    letGo();
 }
 
@@ -80,7 +79,7 @@ void Replica::letGo() {
 }
 
 bool Replica::idle() const {
-   if (frozen_) return !flight_ && rest_.empty();
+   if (frozen_) return !(flight_ && flight_->state != Flight::State::made) && rest_.empty();
    return detached_ || (up_ && !busy_ && !reload_ && !news_ && !flight_ && table_.pending.empty() &&
                         rootPaths(true).empty());
 }
@@ -181,6 +180,7 @@ void Replica::step() {
 }
 
 void Replica::stepFrozen() {
+   if (flight_ && flight_->state == Flight::State::made) flight_.reset();
    if (!flight_ && !rest_.empty()) flight_.emplace(++number_, std::exchange(rest_, {}));
    if (flight_) send();
 }
