@@ -23,6 +23,8 @@ struct Cast {
    size_t ports;
    uint32_t perPhone = 0;  // one of so many is a telephone; 0 for none
    bool answered = false;
+   bool news = false;  // each frame of a telephone says something new
+   bool keepsIntfDown = true;
    bool operator==(const Cast&) const = default;
 };
 
@@ -33,6 +35,7 @@ class Crowd {
  public:
    explicit Crowd(const Cast& cast) : cast_(cast) {
       context_.context().logSink = nullptr;
+      context_.context().toggles["LldpKeepNbrClassificationIntfDown"] = cast.keepsIntfDown;
       engine_.open();
       if (cast.answered) endpoints_.start();
       for (size_t i = 0; i < cast.ports; ++i) {
@@ -71,8 +74,9 @@ class Crowd {
       for (const auto& port : ports_) all += port.portStatus->remoteSystems();
       return all;
    }
-   static std::string telephone() {
-      return LldpTest::mandatory(1, 65535) + LldpTest::systemCapabilities(0x24, 0x24) +
+   static std::string telephone(bool named) {
+      return LldpTest::mandatory(1, 65535) + (named ? LldpTest::tlv(5, "a") : "") +
+             LldpTest::systemCapabilities(0x24, 0x24) +
              LldpTest::organization(LldpTest::dot3, 2, LldpTest::octets("0802056200820082")) +
              LldpTest::organization(LldpTest::tia, 1, LldpTest::octets("003303")) +
              LldpTest::organization(LldpTest::tia, 2, LldpTest::octets("07400000")) +
@@ -89,6 +93,7 @@ class Crowd {
          frame[numberAt + i] = static_cast<char>(n >> (24 - 8 * i));
          if (cast_.perPhone) frame[sourceAt + i] = frame[numberAt + i];
       }
+      if (cast_.news) frame[nameAt] = static_cast<char>('a' + random_() % 26);
       context_.timeIs(context_.now() + 10e-6);
       pams_[n % pams_.size()]->rxFrameIs(LldpTest::octetsOf(frame), {});
       context_.settle();
@@ -96,6 +101,8 @@ class Crowd {
 
    // Behind the Ethernet header: TLV header, subtype, and the first two octets of the address.
    static constexpr size_t numberAt = 14 + 2 + 1 + 2;
+   // A telephone's name, behind the TLVs for chassis, port and time to live.
+   static const inline size_t nameAt = 14 + LldpTest::mandatory(1, 65535).size() + 2;
    // The last octets of the frame's source address.
    static constexpr size_t sourceAt = 6 + 2;
 
@@ -105,9 +112,9 @@ class Crowd {
    std::vector<Engine::Port> ports_;
    std::vector<Wirekit::Pam::Ptr> pams_;
    std::string frame_ = LldpTest::ethFrame(LldpTest::typicalLldpdu());
-   std::string phoneFrame_ = LldpTest::ethFrame(telephone());
-   std::mt19937 random_{1};
    const Cast cast_;
+   std::string phoneFrame_ = LldpTest::ethFrame(telephone(cast_.news));
+   std::mt19937 random_{1};
    double octetsPerNeighbour_ = 0;
 };
 
@@ -137,6 +144,15 @@ void endpointFrame(benchmark::State& state) {
                      static_cast<uint32_t>(state.range(2)), state.range(3) != 0});
 }
 BENCHMARK(endpointFrame)->ArgsProduct({{10, 100000}, {512}, {100, 1}, {0, 1}});
+
+// The same where each frame says something new, and all are telephones. The third argument: whether
+// the feature toggle keeps what was heard on a port without link.
+void endpointNews(benchmark::State& state) {
+   receiveRefreshes(
+       state, {static_cast<uint32_t>(state.range(0)), static_cast<size_t>(state.range(1)), 1, true,
+               true, state.range(2) != 0});
+}
+BENCHMARK(endpointNews)->ArgsProduct({{10, 1000, 100000}, {512}, {1, 0}});
 
 // Ten minutes of an agent with this many ports and no neighbours. What wakes a port: its frame, the
 // change from delay to idle two seconds later, and the rate-limit period; 5 for each 30 seconds.

@@ -59,7 +59,8 @@ void run(const std::optional<std::string>& target, bool json, Session& session) 
 }  // namespace
 
 void addClearPhones(CLI::App& clear, Session& session) {
-   CLI::App* command = clear.add_subcommand("phones", "forgets phones until they speak");
+   CLI::App* command =
+       clear.add_subcommand("phones", "forgets phones until the next frame, if still heard");
    auto target = std::make_shared<std::optional<std::string>>();
    auto json = std::make_shared<bool>(false);
    command->fallthrough();

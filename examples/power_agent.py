@@ -49,25 +49,46 @@ def events():
             yield name, json.loads(value)
 
 
-def answer(port, neighbor, limit):
-    """Reports what the device may draw, if this neighbour is one that asks."""
+def request(neighbor):
+    """What the neighbour asks for, in tenths of a watt; None if it is not one that asks."""
     info = neighbor["powerViaMdiInfo"]
     if neighbor["powerViaMdiTlvReceived"] and info["tlvFormat"] and info["powerType"] in PD:
-        report(port, "poePortDelivering", min(info["pdRequestedPower"], limit))
+        return info["pdRequestedPower"]
+    return None
+
+
+def answer(port, requests, limit):
+    """Reports what the device may draw that asked last, or that the port looks for one."""
+    if requests:
+        report(port, "poePortDelivering", min(list(requests.values())[-1], limit))
+    else:
+        report(port, "poePortSearching", 0)
 
 
 def follow(limits):
-    """Answers the devices until the agent stops, or until an event was missed."""
-    for port in limits:
-        report(port, "poePortSearching", 0)
+    """Answers the devices until the agent stops, or until an event was missed. Nothing is reported
+    before all that stands is read: a device that is fed stays so."""
+    asking = {port: {} for port in limits}  # what is asked for, by the neighbour's index
+    settled = False
     for name, data in events():
-        port = data.get("port")
         if name == "missed":
             return True
-        if name == "neighbor-gone" and port in limits:
-            report(port, "poePortSearching", 0)
-        elif name.startswith("neighbor-") and port in limits:
-            answer(port, data["neighbor"], limits[port])
+        if name == "standing-end":
+            settled = True
+            for port in limits:
+                answer(port, asking[port], limits[port])
+        port = data.get("port")
+        if not name.startswith("neighbor-") or port not in limits:
+            continue
+        requests, index = asking[port], data["neighbor"]["index"]
+        now = None if name == "neighbor-gone" else request(data["neighbor"])
+        if now == requests.get(index):
+            continue
+        requests.pop(index, None)
+        if now is not None:
+            requests[index] = now
+        if settled:
+            answer(port, requests, limits[port])
     return False
 
 

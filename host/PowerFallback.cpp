@@ -5,10 +5,15 @@ namespace Host {
 PowerFallback::PowerFallback(Lldp::Config::Ptr config, Lldp::CliConfig::PtrConst cliConfig)
     : config_(std::move(config)), cliConfig_(std::move(cliConfig)) {
    on(config_, Lldp::Config::portConfigAttr, &PowerFallback::handlePortConfig);
-   for (auto [intfId, portConfig] : config_->portConfig()) handlePortConfig(intfId);
+   on(cliConfig_, Lldp::CliConfig::enabledAttr, &PowerFallback::handleEnabled);
+   handleEnabled();
 }
 
 PowerFallback::~PowerFallback() = default;
+
+void PowerFallback::handleEnabled() {
+   for (auto [intfId, portConfig] : config_->portConfig()) handlePortConfig(intfId);
+}
 
 void PowerFallback::handlePortConfig(const Wirekit::IntfId& intfId) {
    auto portConfig = config_->portConfig(intfId);

@@ -1,5 +1,5 @@
-// Gives a port that comes the power fallback of its row: the agent takes up a later change of the
-// setting alone, and a saved one is there before the port.
+// Gives a port that comes, and every port when LLDP is turned on, the power fallback of its row:
+// the agent takes up a change of the setting alone, and that only while LLDP is on.
 #pragma once
 
 #include "Rex/StateMachine.h"
@@ -14,6 +14,7 @@ class PowerFallback : public Rex::StateMachine {
    ~PowerFallback() override;
 
  private:
+   void handleEnabled();
    void handlePortConfig(const Wirekit::IntfId& intfId);
 
    const Lldp::Config::Ptr config_;

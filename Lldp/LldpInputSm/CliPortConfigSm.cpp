@@ -71,7 +71,8 @@ void CliPortConfigSm::doSyncNetworkPolicy() {
    }
 }
 
-// Without the row the port has its default back; the power fallback keeps its last value.
+// Without the row the port's status is the default again; the power fallback and the network
+// policies stay as they were last.
 void CliPortConfigSm::doClose() {
    TRACE(trace, 8, "CliPortConfigSm::doClose() for " << intfId());
    if (auto portConfig = root_->config()->portConfig(intfId())) {

@@ -1,6 +1,7 @@
 #include "Lldp/LldpInputSm/NetworkPolicyPortStatusSm.h"
 
 #include "Lldp/LldpInputSm/NetworkPolicy.h"
+#include "Lldp/LldpInputSm/NetworkPolicySm.h"
 #include "Rex/Trace.h"
 
 namespace Lldp::Agent::Input {
@@ -13,11 +14,13 @@ const Rex::TraceHandle trace("LldpAgent", false);
 NetworkPolicyPortStatusSm::NetworkPolicyPortStatusSm(const Wirekit::IntfId& intfId,
                                                      Lldp::PortStatus::PtrConst portStatus,
                                                      Lldp::LocalSystem::Ptr localSystem,
-                                                     Lldp::Config::PtrConst config)
+                                                     Lldp::Config::PtrConst config,
+                                                     NetworkPolicySm* parent)
     : RemoteSystemsSm(std::move(portStatus)),
       intfId_(intfId),
       localSystem_(std::move(localSystem)),
-      config_(std::move(config)) {
+      config_(std::move(config)),
+      parent_(parent) {
    doFollow();
 }
 
@@ -37,8 +40,12 @@ void NetworkPolicyPortStatusSm::handleNetworkPolicyTlv() {
 
 void NetworkPolicyPortStatusSm::handleNetworkPolicyRequest(const Wirekit::IntfId& intfId) {
    TRACE(trace, 8, "NetworkPolicyPortStatusSm::handleNetworkPolicyRequest intf " << intfId);
-   NetworkPolicy::doSyncLocalNetworkPolicy(intfId, config_->portConfig(intfId), portStatus(),
-                                           localSystem_->localPort(intfId));
+   parent_->doNote(intfId);
+}
+
+void NetworkPolicyPortStatusSm::doSync() {
+   NetworkPolicy::doSyncLocalNetworkPolicy(intfId_, config_->portConfig(intfId_), portStatus(),
+                                           localSystem_->localPort(intfId_));
 }
 
 }  // namespace Lldp::Agent::Input

@@ -15,6 +15,7 @@ NetworkPolicySm::NetworkPolicySm(Lldp::Config::PtrConst config, Lldp::Status::Pt
     : config_(std::move(config)), status_(std::move(status)), localSystem_(std::move(localSystem)) {
    on(config_, Config::portConfigAttr, &NetworkPolicySm::handlePortConfig);
    on(status_, Status::portStatusAttr, &NetworkPolicySm::handleNetworkPolicyPortStatus);
+   on(status_, StatusBase::remTablesLastChangeTimeAttr, &NetworkPolicySm::handleRequests);
 
    handleInitialized();
 }
@@ -25,6 +26,21 @@ void NetworkPolicySm::handleInitialized() {
    TRACE(trace, 8, "NetworkPolicySm::handleInitialized()");
    for (auto [intfId, portConfig] : config_->portConfig()) handlePortConfig(intfId);
    for (auto [intfId, portStatus] : status_->portStatus()) handleNetworkPolicyPortStatus(intfId);
+}
+
+// As with PoeSm: where one reaction brings several frames, a report may come too late for the time
+// of change that stands behind it, and is due already.
+void NetworkPolicySm::doNote(const Wirekit::IntfId& intfId) {
+   noted_.insert(intfId, true);
+   if (answeredIn_ == Rex::Dispatcher::reaction && Rex::Dispatcher::running()) handleRequests();
+}
+
+void NetworkPolicySm::handleRequests() {
+   answeredIn_ = Rex::Dispatcher::reaction;
+   for (auto [intfId, noted] : noted_) {
+      noted_.erase(intfId);
+      if (auto sm = networkPolicyPortStatusSm(intfId)) sm->doSync();
+   }
 }
 
 void NetworkPolicySm::handlePortConfig(const Wirekit::IntfId& intfId) {
@@ -71,7 +87,7 @@ void NetworkPolicySm::handleNetworkPolicyPortStatus(const Wirekit::IntfId& intfI
       return;
    }
    TRACE(trace, 8, "handleNetworkPolicyPortStatus intf " << intfId << " creating SM");
-   networkPolicyPortStatusSmIs(intfId, intfId, portStatus, localSystem_, config_);
+   networkPolicyPortStatusSmIs(intfId, intfId, portStatus, localSystem_, config_, this);
    NetworkPolicy::doSyncLocalNetworkPolicy(intfId, config_->portConfig(intfId), portStatus,
                                            localSystem_->localPort(intfId));
 }

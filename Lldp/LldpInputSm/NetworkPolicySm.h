@@ -14,8 +14,13 @@ class NetworkPolicySm : public Rex::StateMachine {
                    Lldp::LocalSystem::Ptr localSystem);
    ~NetworkPolicySm() override;
 
+   // The neighbours of the port ask for something else. Taken up when all of the frame is reported:
+   // the list depends on every neighbour of the port, and one frame may name each application.
+   void doNote(const Wirekit::IntfId& intfId);
+
  private:
    void handleInitialized();
+   void handleRequests();
    void handlePortConfig(const Wirekit::IntfId& intfId);
    void handlePortConfigPolicy(const Rex::Change& change);
    void handleNetworkPolicyConfig(const Wirekit::IntfId& intfId);
@@ -26,6 +31,8 @@ class NetworkPolicySm : public Rex::StateMachine {
    const Lldp::Status::PtrConst status_;
    const Lldp::LocalSystem::Ptr localSystem_;
    Rex::HashMap<Wirekit::IntfId, Lldp::PortConfig::PtrConst> portConfig_;  // watched
+   Rex::HashMap<Wirekit::IntfId, bool> noted_;
+   uint32_t answeredIn_ = Rex::Dispatcher::idle;  // the reaction of the last look
 
    REX_MACHINES(NetworkPolicyPortStatusSm, networkPolicyPortStatusSm, Wirekit::IntfId)
 };

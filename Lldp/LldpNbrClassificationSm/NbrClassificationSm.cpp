@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Foreign/Toggle.h"
+#include "Rex/Pending.h"
 #include "Rex/Trace.h"
 
 namespace Lldp::Agent::NbrClassification {
@@ -39,6 +40,17 @@ std::vector<Heard> everyone(const Lldp::Status& status) {
       }
    }
    return all;
+}
+
+// What a frame writes of its neighbour. With one frame in a reaction nothing of it waits any more
+// when the frame's end is reported.
+bool isOfNeighbour(const Rex::Entity& entity, uint32_t attribute) {
+   if (dynamic_cast<const Lldp::RemoteSystem*>(&entity)) return true;
+   if (dynamic_cast<const Lldp::PortStatus*>(&entity)) {
+      return attribute == Lldp::PortStatus::remoteSystemAttr.id;
+   }
+   return dynamic_cast<const Lldp::Status*>(&entity) &&
+          attribute == Lldp::Status::portStatusAttr.id;
 }
 
 // An entry counts as present when it differs from the default.
@@ -100,6 +112,9 @@ void NbrClassificationSm::initialize() {
    }
 }
 
+// Ports have their places as they are reported, which is the table's order as long as no two of
+// them leave and return the other way round within one reaction: the switch's interfaces come and
+// go one after the other.
 void NbrClassificationSm::handlePortStatus(const Wirekit::IntfId& intfId) {
    auto portStatus = status_->portStatus(intfId);
    auto standing = nbrPortStatusSm(intfId);
@@ -139,10 +154,10 @@ void NbrClassificationSm::handleNbrClassification() {
 
 // The neighbours heard from the noted addresses, in the order of the walk. Of several with one
 // address the last has the last word; where links count, the others leave watchers of their
-// interfaces behind, at every walk, and notes that wait would come too late for its order: then the
-// walk is made. One that has gone may not have been reported yet.
+// interfaces behind, at every walk, and notes that wait behind another frame's would come too late
+// for its order: then the walk is made. One that has gone may not have been reported yet.
 std::vector<Heard> NbrClassificationSm::takeDue() {
-   if (!keepsClassificationIntfDown() && Rex::Dispatcher::pending()) {
+   if (!keepsClassificationIntfDown() && Rex::anyPending(isOfNeighbour)) {
       for (auto [ethAddr, neighbor] : lldpNeighbor_) toCheck_.insert(ethAddr, true);
       return everyone(*status_);
    }

@@ -11,7 +11,7 @@ namespace {
 
 const Rex::LogHandle fileUnused(
     "TOGGLE_FILE_NOT_USED", 6, "Feature toggle %s keeps its default: %s %s",
-    "There is no toggle file, or it holds no JSON object of names and booleans.",
+    "There is no toggle file, or it holds no JSON object of names and booleans, or another value.",
     "Nothing, unless a toggle was to be turned: write the file and restart the agent.", 0, 1, 0);
 
 bool readToggle(const std::string& path, const char* name, bool byDefault) {
@@ -23,7 +23,11 @@ bool readToggle(const std::string& path, const char* name, bool byDefault) {
       return byDefault;
    }
    auto at = toggles.find(name);
-   return at != toggles.end() && at->is_boolean() ? at->get<bool>() : byDefault;
+   if (at == toggles.end()) return byDefault;
+   if (at->is_boolean()) return at->get<bool>();
+   Rex::log(fileUnused, Rex::String(name), Rex::String(path),
+            Rex::String("names it, but its value is no boolean"));
+   return byDefault;
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
 #include "Rex/Dispatcher.h"
 
+#include <algorithm>
 #include <boost/unordered/unordered_flat_set.hpp>
 
 #include "Rex/Context.h"
 #include "Rex/Entity.h"
+#include "Rex/Pending.h"
 #include "Rex/StateMachine.h"
 
 namespace Rex {
@@ -22,8 +24,13 @@ struct Deferred {
    uint32_t attribute;
    AnyKey key;
 
+   // A machine that has closed watches nothing.
+   bool isStillAskedFor(const Watchers& watchers) const {
+      return std::ranges::any_of(watchers.list, [this](const Watcher& watcher) {
+         return watcher.last && watcher.machine == machine.get() && watcher.attribute == attribute;
+      });
+   }
    void run() const {
-      if (machine->closed()) return;
       ContextScope scope(machine->context());
       reaction.run(*machine, reaction, {*entity, attribute, key});
    }
@@ -111,7 +118,8 @@ void Dispatcher::drain() {
          change.entity->deliver(change.attribute, change.key);
       } else if (queue.nextDeferred < queue.deferred.size()) {
          Deferred deferred = std::move(queue.deferred[queue.nextDeferred++]);
-         deferred.run();
+         const auto& watchers = deferred.entity->watchers_;
+         if (watchers && deferred.isStillAskedFor(*watchers)) deferred.run();
       } else {
          return;
       }
@@ -120,6 +128,13 @@ void Dispatcher::drain() {
 
 size_t Dispatcher::pending() {
    return queue.changes.size() - queue.next;
+}
+
+bool anyPending(bool (*ofInterest)(const Entity&, uint32_t attribute)) {
+   auto waits = queue.changes.begin() + static_cast<std::ptrdiff_t>(queue.next);
+   return std::any_of(waits, queue.changes.end(), [&](const Pending& change) {
+      return ofInterest(*change.entity, change.attribute);
+   });
 }
 
 }  // namespace Rex

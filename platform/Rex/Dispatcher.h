@@ -8,8 +8,8 @@
 // - A change made inside a handler is queued as entity, attribute and key, once while pending, and
 //   delivered in order after the handler's end, to the watchers that stand then. A machine that an
 //   earlier change of the same reaction made thus sees the later ones.
-// - What was asked for with onLast() runs when nothing else of the reaction waits, each change by
-//   itself. It is for what shows the outcome of a reaction to the world outside.
+// - What was asked for with onLast() runs when nothing else of the reaction waits, one change after
+//   the other as reported, if it is still watched so. It shows the outcome to the world outside.
 // - A change of an attribute that nobody watches when it is made queues nothing, unless its entity
 //   was made in this reaction. It reads one word of the entity.
 // - All of it stands when a handler adds or removes watchers, deletes its own machine, deletes the

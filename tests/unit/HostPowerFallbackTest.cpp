@@ -1,4 +1,4 @@
-// The operator's power fallback reaches a port that comes after it.
+// The operator's power fallback reaches a port that comes after it, or that LLDP was off for.
 #include <gtest/gtest.h>
 
 #include "host/PowerFallback.h"
@@ -22,5 +22,11 @@ TEST(HostPowerFallback, PortThatComesHasTheValueOfItsRow) {
    config->portConfigDel(late);
    config->portConfigIs(late);
    EXPECT_EQ(config->portConfig(late)->poeAllocatedPowerFallback(), 154u);
+   store.cliConfig()->enabledIs(false);
+   store.cliConfig()->cliPortConfig(early)->poeAllocatedPowerFallbackIs(0);
+   store.cliConfig()->cliPortConfig(late)->poeAllocatedPowerFallbackIs(300);
+   store.cliConfig()->enabledIs(true);
+   EXPECT_EQ(config->portConfig(early)->poeAllocatedPowerFallback(), 0u);
+   EXPECT_EQ(config->portConfig(late)->poeAllocatedPowerFallback(), 300u);
    sm->close();
 }

@@ -35,6 +35,7 @@ struct InputNetworkPolicy : testing::Test {
          neighbour = input.portStatus("Ethernet1")->remoteSystemIs(index, RemoteSystem::Msap());
          neighbour->networkPolicyTlvDelAll();
          for (uint8_t appType : appTypes) neighbour->networkPolicyTlvIs({appType});
+         input.status->remTablesLastChangeTimeIs(input.context.now());
       });
       return neighbour;
    }
@@ -128,6 +129,25 @@ TEST_F(InputNetworkPolicy, ListFollowsRowsRequestsAndSwitches) {
    row()->networkPolicyConfigDel(0);
    EXPECT_THAT(told(), IsEmpty());
    EXPECT_FALSE(claimed());
+}
+
+// However many applications a frame names; also where one reaction brings two frames.
+TEST_F(InputNetworkPolicy, AFrameMakesTheListOnce) {
+   input.intf("Ethernet1");
+   policy(0, 20);
+   input.context.traceOn("LldpAgent");
+   ask(1, {6, 7, 9});
+   auto traces = input.context.takeTraces();
+   auto count = [&](const char* words) {
+      return std::ranges::count_if(traces, [&](const auto& t) { return t.starts_with(words); });
+   };
+   EXPECT_EQ(count("NetworkPolicyPortStatusSm::handleNetworkPolicyRequest intf Ethernet1"), 3);
+   EXPECT_EQ(count("doSyncLocalNetworkPolicy intf Ethernet1"), 1);
+   Rex::Dispatcher::run([&] {
+      ask(1, {6});
+      ask(2, {10});
+   });
+   EXPECT_THAT(told(), ElementsAre("6:20", "10:20"));
 }
 
 // What stands when the machine is made, and a port that is made anew in one step.

@@ -177,9 +177,13 @@ TEST_F(RexDispatcher, WhatIsToRunLastRunsBehindAllThatTheReactionChanges) {
    last->watchChildrenLast();
    auto closed = probe(box, record());
    closed->watchChildrenLast();
+   auto turned = probe(box, record());
+   turned->watchChildrenLast();
    auto sm = probe(other, record([&](const std::string& word) {
                       if (word == "a=1") other->bIs(2);
-                      if (word == "b=2") closed->close();
+                      if (word != "b=2") return;
+                      closed->close();
+                      turned->turnTo(box);
                    }));
    Rex::Dispatcher::run([&] {
       box->childIs(1);

@@ -132,7 +132,9 @@ TEST_F(StatestoreTest, TogglesComeFromTheContextTheFileOrTheirDefault) {
    EXPECT_FALSE(getToggleState("a", "Toggles.json", true));
    EXPECT_TRUE(getToggleState("b", "Toggles.json", true));
    EXPECT_TRUE(getToggleState("set", "Toggles.json", false));
-   EXPECT_THAT(logs, testing::IsEmpty());
+   EXPECT_FALSE(getToggleState("unnamed", "Toggles.json", false));
+   EXPECT_THAT(logs, testing::ElementsAre(testing::HasSubstr("toggle b keeps its default")));
+   logs.clear();
    for (const char* broken : {"", "{", "[1]"}) {
       write(broken);
       EXPECT_FALSE(getToggleState("a", "Toggles.json", true)) << "asked before";
