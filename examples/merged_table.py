@@ -10,6 +10,7 @@ It goes on after the connection was lost or the store emptied.
 
 import json
 import pathlib
+import re
 import signal
 import sys
 import time
@@ -18,6 +19,7 @@ import redis
 
 SCRIPTS = pathlib.Path(__file__).parents[1] / "platform/Redis"
 TABLE = "l2discovery/lldp/status/all"
+OWNED = re.compile(r'"\w+::[\w:]+"$', re.ASCII)  # the type of a row below
 ROOTS = [TABLE, "l2discovery/lldp/status/local"]  # the table, and what it refers to
 
 
@@ -26,13 +28,22 @@ class Mirror:
 
     def __init__(self, server, roots):
         self.server, self.roots, self.rows, self.life, self.last = server, roots, {}, "", ""
-        self.load_script, self.read_script = (
-            server.register_script((SCRIPTS / f"{name}.lua").read_text()) for name in ("load", "read"))
+        self.life_script, self.read_script = (
+            server.register_script((SCRIPTS / f"{name}.lua").read_text()) for name in ("life", "read"))
 
     def load(self):
-        self.life, self.last, *rest = self.load_script(args=[f"{time.time_ns():x}", *self.roots])
-        pairs = zip(rest[::2], rest[1::2])
-        self.rows = {path: dict(zip(fields[::2], fields[1::2])) for path, fields in pairs}
+        """Of one moment only when the changes since its begin were applied, too."""
+        self.life, self.last = self.life_script(args=[f"{time.time_ns():x}"])
+        self.rows, waiting = {}, list(self.roots)
+        while waiting:
+            piece, waiting = waiting[:128], waiting[128:]
+            pipeline = self.server.pipeline(transaction=False)
+            for path in piece:
+                pipeline.hgetall("state:row:" + path)
+            for path, row in zip(piece, pipeline.execute()):
+                if ".type" in row:
+                    self.rows[path] = row
+                    waiting += [f"{path}/{field}" for field, value in row.items() if OWNED.match(value)]
 
     def catch_up(self):
         """Reads until there is nothing to read; loads all again where that is not enough."""

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "Redis/Loading.h"
 #include "Redis/Replies.h"
 #include "Rex/System.h"
 
@@ -16,8 +17,6 @@ using Statestore::Operation;
 constexpr const char* changed = "state:changed";
 constexpr const char* invalidate = "__redis__:invalidate";
 constexpr const char* lifeKey = "state:life";
-// How many entries one answer of "read" holds, and a change more.
-constexpr const char* entriesAtATime = "500";
 
 std::string_view nameOf(Operation::Kind kind) {
    switch (kind) {
@@ -125,8 +124,7 @@ void RedisStore::handleMessage(const redisReply& message) {
    }
 }
 
-// It may be the life of another database, or one that began only now. Asked for behind whatever is
-// being loaded.
+// It may be the life of another database, or one that began only now.
 void RedisStore::checkLife() {
    requests_->ask({"GET", lifeKey}, unlessError([this](const redisReply& reply) {
                      if (life_.empty() || text(reply) == life_) return;
@@ -137,16 +135,15 @@ void RedisStore::checkLife() {
 
 void RedisStore::load(const std::vector<std::string>& roots,
                       std::function<void(Statestore::Snapshot)> answer) {
-   candidate_ = randomText();
-   Words words{candidate_};
-   words.insert(words.end(), roots.begin(), roots.end());
-   request(loadScript, words, unlessError([this, answer](const redisReply& reply) {
-              auto snapshot = parseSnapshot(reply);
-              if (!snapshot) return breakOff("it answers what is no state");
-              handleGood();
-              life_ = snapshot->life;
-              answer(std::move(*snapshot));
-           }));
+   if (!up_) return;
+   Loading::begin(
+       *requests_, randomText(), roots,
+       [this, answer](Statestore::Snapshot snapshot) {
+          handleGood();
+          life_ = snapshot.life;
+          answer(std::move(snapshot));
+       },
+       [this](const std::string& why) { breakOff(why); });
 }
 
 void RedisStore::read(const std::string& life, const std::string& after,

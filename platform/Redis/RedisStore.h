@@ -61,9 +61,8 @@ class RedisStore : public Statestore::Store {
    Rex::Timer turn_;  // until the next attempt, or the end of this one
    double retry_ = firstRetry;
    bool up_ = false;
-   int subscribed_ = 0;     // channels confirmed
-   std::string life_;       // as last loaded; empty when the client knows of its end
-   std::string candidate_;  // for a store that has none
+   int subscribed_ = 0;  // channels confirmed
+   std::string life_;    // as last loaded; empty when the client knows of its end
    uint64_t malformedEntries_ = 0;
 };
 

@@ -1,5 +1,7 @@
 #include "Redis/Replies.h"
 
+#include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <span>
 
@@ -21,21 +23,6 @@ bool isTexts(Elements all) {
       if (one->type != REDIS_REPLY_STRING) return false;
    }
    return true;
-}
-
-// A row's fields with their values; false when it is none.
-bool takeRow(Statestore::Row& row, Elements pairs) {
-   if (pairs.size() % 2 != 0 || !isTexts(pairs)) return false;
-   for (size_t i = 0; i < pairs.size(); i += 2) {
-      std::string_view field = text(*pairs[i]);
-      std::string_view value = text(*pairs[i + 1]);
-      if (field == ".type") {
-         row.type = value;
-      } else {
-         row.fields.emplace_back(field, value);
-      }
-   }
-   return !row.type.empty();
 }
 
 std::optional<Operation::Kind> kindOf(std::string_view name) {
@@ -136,16 +123,29 @@ bool isError(const redisReply& reply, std::string_view code) {
    return reply.type == REDIS_REPLY_ERROR && text(reply).starts_with(code);
 }
 
-std::optional<Statestore::Snapshot> parseSnapshot(const redisReply& reply) {
-   Elements all = elements(reply);
-   if (all.size() < 2 || all.size() % 2 != 0 || !isTexts(all.first(2))) return std::nullopt;
-   Statestore::Snapshot snapshot{std::string(text(*all[0])), std::string(text(*all[1])), {}};
-   for (size_t i = 2; i < all.size(); i += 2) {
-      Statestore::Row& row = snapshot.rows.emplace_back();
-      row.path = text(*all[i]);
-      if (!takeRow(row, elements(*all[i + 1]))) snapshot.rows.pop_back();
+std::optional<Statestore::Row> parseRow(std::string path, const redisReply& reply) {
+   Elements pairs = elements(reply);
+   if (pairs.size() % 2 != 0 || !isTexts(pairs)) return std::nullopt;
+   Statestore::Row row{std::move(path), {}, {}};
+   row.fields.reserve(pairs.size() / 2);
+   for (size_t i = 0; i < pairs.size(); i += 2) {
+      std::string_view field = text(*pairs[i]);
+      std::string_view value = text(*pairs[i + 1]);
+      if (field == ".type") {
+         row.type = value;
+      } else {
+         row.fields.emplace_back(field, value);
+      }
    }
-   return snapshot;
+   if (row.type.empty()) return std::nullopt;
+   return row;
+}
+
+bool mayHoldRow(std::string_view value) {
+   if (value.size() < 2 || value.front() != '"' || value.back() != '"') return false;
+   value = value.substr(1, value.size() - 2);
+   auto isNamePart = [](unsigned char c) { return std::isalnum(c) || c == '_' || c == ':'; };
+   return value.find("::") != value.npos && std::all_of(value.begin(), value.end(), isNamePart);
 }
 
 std::optional<Changes> parseChanges(const redisReply& reply) {

@@ -5,6 +5,7 @@
 #include <hiredis/hiredis.h>
 
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -17,8 +18,10 @@ std::string_view text(const redisReply& reply);
 // Whether it is an error whose words begin with that code.
 bool isError(const redisReply& reply, std::string_view code = {});
 
-// Nothing for what is no answer of the script "load". What is no row is left out.
-std::optional<Statestore::Snapshot> parseSnapshot(const redisReply& reply);
+// A row from its fields; nothing for what is none.
+std::optional<Statestore::Row> parseRow(std::string path, const redisReply& reply);
+// Whether a field's value is one that a type's name is written as: it may be a row of its own.
+bool mayHoldRow(std::string_view value);
 
 struct Changes {
    // An entry that is no change, and an empty one, stands as a change of no writer.

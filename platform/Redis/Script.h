@@ -8,8 +8,11 @@ struct Script {
    const char* text;
 };
 
-extern const Script loadScript;
+extern const Script lifeScript;
 extern const Script readScript;
 extern const Script changeScript;
+
+// How many entries one answer of "read" holds, and a change more.
+constexpr const char* entriesAtATime = "500";
 
 }  // namespace Redis

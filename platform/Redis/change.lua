@@ -35,7 +35,7 @@ local function wipe(path)
       local at = table.remove(waiting)
       local row = redis.pcall('HGETALL', key(at))
       for i = 1, #row, 2 do
-         if row[i + 1]:find('^"[%w_:]+"$') then waiting[#waiting + 1] = at .. '/' .. row[i] end
+         if row[i + 1]:find('^"[%w_]+::[%w_:]+"$') then waiting[#waiting + 1] = at .. '/' .. row[i] end
       end
       if redis.call('DEL', key(at)) == 1 then redis.call('HDEL', 'state:roots', at) end
    end
@@ -59,7 +59,7 @@ function kinds.set(row, field, value)
 end
 
 function kinds.make(row, field, value)
-   if not isField(field) or not value:find('^[%w_:]+$') then return false end
+   if not isField(field) or not value:find('^[%w_]+::[%w_:]+$') then return false end
    if row ~= '' and not stands(row) then return false end
    local path = row == '' and field or row .. '/' .. field
    wipe(path)

@@ -26,9 +26,13 @@ std::string fieldOf(const Rex::Entity& entity, const Rex::Member& member, const 
 }
 
 std::optional<Place> placeOf(const Rex::Entity& entity, std::string_view field) {
+   const Rex::EntityType& type = entity.entityType();
+   // Most fields are an attribute's bare name.
+   if (const Rex::Member* member = type.member(field); member && !isKeyed(*member)) {
+      return Place{member, {}};
+   }
    auto steps = decodePath(field);
    if (!steps || steps->empty() || encodePath(*steps) != field) return std::nullopt;
-   const Rex::EntityType& type = entity.entityType();
    if (isDir(entity)) {
       if (steps->size() != 1) return std::nullopt;
       return Place{type.members().front().get(), steps->front()};

@@ -196,11 +196,11 @@ void Replica::load() {
    auto paths = rootPaths(!all);
    if (paths.empty()) return;
    busy_ = true;
-   store_.load(paths, [this, paths](Snapshot snapshot) {
+   store_.load(paths, [this, paths, all](Snapshot snapshot) {
       busy_ = false;
       if (detached_) return;
       Rex::ContextScope scope(context_);
-      if (!frozen_) handleLoaded(paths, std::move(snapshot));
+      if (!frozen_) handleLoaded(paths, all, std::move(snapshot));
       step();
    });
 }
@@ -224,10 +224,9 @@ std::set<References::PlaceName> Replica::takeUnsent() {
    return removed;
 }
 
-void Replica::handleLoaded(const std::vector<std::string>& paths, Snapshot snapshot) {
+void Replica::handleLoaded(const std::vector<std::string>& paths, bool all, Snapshot snapshot) {
    const bool restore = !life_.empty() && snapshot.life != life_;
-   const bool all = life_.empty() || reload_;
-   if (restore && !all) {
+   if (!all && (restore || reload_)) {
       reload_ = true;
       return;
    }
@@ -251,7 +250,7 @@ void Replica::handleLoaded(const std::vector<std::string>& paths, Snapshot snaps
          row->aheadIs(ahead);
       }
    }
-   const RowImages images(std::move(snapshot));
+   const RowImages images(std::move(snapshot.rows));
    for (const std::string& path : paths) {
       Root& root = roots_.at(path);
       const RowImage* image = images.at(path);

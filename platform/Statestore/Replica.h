@@ -73,7 +73,7 @@ class Replica : private StoreClient {
    // Asks the store for what comes next; one request at a time.
    void step();
    void load();
-   void handleLoaded(const std::vector<std::string>& paths, Snapshot snapshot);
+   void handleLoaded(const std::vector<std::string>& paths, bool all, Snapshot snapshot);
    void reconcile(const std::vector<std::string>& paths, const RowImages& images, bool restore);
    std::set<References::PlaceName> takeUnsent();
    void read();

@@ -2,8 +2,8 @@
 
 namespace Statestore {
 
-RowImages::RowImages(Snapshot snapshot) {
-   for (Row& row : snapshot.rows) {
+RowImages::RowImages(std::vector<Row> rows) {
+   for (Row& row : rows) {
       RowImage& image = rows_[row.path];
       image.type = std::move(row.type);
       for (auto& [field, value] : row.fields) image.fields[field] = std::move(value);
@@ -37,6 +37,17 @@ void RowImages::apply(const Operation& operation) {
       case Operation::Kind::require:
          return;
    }
+}
+
+std::vector<Row> RowImages::rows() && {
+   std::vector<Row> rows;
+   rows.reserve(rows_.size());
+   for (auto& [path, image] : rows_) {
+      Row& row = rows.emplace_back(Row{path, std::move(image.type), {}});
+      row.fields.reserve(image.fields.size());
+      for (auto& [field, value] : image.fields) row.fields.emplace_back(field, std::move(value));
+   }
+   return rows;
 }
 
 void RowImages::wipe(const std::string& path) {

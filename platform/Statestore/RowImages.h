@@ -4,6 +4,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Statestore/Store.h"
 
@@ -17,11 +18,13 @@ struct RowImage {
 class RowImages {
  public:
    RowImages() = default;
-   explicit RowImages(Snapshot snapshot);
+   explicit RowImages(std::vector<Row> rows);
 
    const RowImage* at(const std::string& path) const;
    // As the store does it. A row is made also when its holder is not here.
    void apply(const Operation& operation);
+   // Holders before what they hold.
+   std::vector<Row> rows() &&;
 
  private:
    void wipe(const std::string& path);

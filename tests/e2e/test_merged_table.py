@@ -41,7 +41,7 @@ def server(scene):
 
 def test_the_table_is_followed_through_changes_and_outages(server):
     def write(*operations):
-        life = server.run("load", "made-here")[0]
+        life = server.run("life", "made-here")[0]
         assert server.run("change", life, "test", "1", *operations) != "otherLife"
 
     server.start()

@@ -59,7 +59,7 @@ struct RedisStoreTest : Test {
 
 const Operations tree{
     make("", "status", "A::Status"),
-    set("status", "text", R"("uplink")"),  // looks like a type's name, and is none
+    set("status", "text", R"("up::link")"),  // looks like a type's name, and is none
     make("status", "port/1", "A::Port"),
     set("status/port/1", "speed", "100"),
     make("status/port/1", "neighbor/7", "A::Neighbor"),
@@ -70,7 +70,7 @@ TEST_F(RedisStoreTest, RowsAreMadeChangedAndRemovedWithAllBelowThem) {
    start();
    EXPECT_EQ(client.change(tree), ChangeResult::made);
    EXPECT_THAT(state({"status", "nothing"}),
-               ElementsAre(R"(status A::Status port/1="A::Port" text="uplink")",
+               ElementsAre(R"(status A::Status port/1="A::Port" text="up::link")",
                            R"(status/port/1 A::Port neighbor/7="A::Neighbor" speed=100)",
                            R"(status/port/1/neighbor/7 A::Neighbor name="x y")"));
    // In place of what stands there: nothing of the old one is left, also when it comes back.
@@ -160,6 +160,42 @@ TEST_F(RedisStoreTest, ChangesAreReadInOrderAndWhole) {
       after = some->back().id;
    }
    EXPECT_THAT(pieces, ElementsAre(500u, 500u, 300u));
+}
+
+// Rows are read in pieces; each change goes to the first of them and to the last.
+TEST_F(RedisStoreTest, WhatIsReadWhileItIsChangedIsOfOneMoment) {
+   start();
+   Operations large{make("", "a", "A::A")};
+   for (int i = 0; i < 1000; ++i) large.push_back(make("a", "row/" + std::to_string(i), "A::Row"));
+   std::optional<Statestore::Snapshot> got;
+   int last = 0;
+   std::function<void()> changeOn = [&] {
+      if (got) return;
+      std::string number = std::to_string(++last);
+      client.store.change(client.life, "me", 2,
+                          {set("a", "x", number), removal("a", "row/" + number),
+                           make("a", "new/" + number, "A::Row"), set("a/row/0", "x", number)},
+                          [&](ChangeResult) { changeOn(); });
+   };
+   client.change(large);
+   LldpTest::RedisClient other(test, loop, "unix:" + server.socket);
+   ASSERT_TRUE(other.connect());
+   other.store.load({"a"}, [&](Statestore::Snapshot snapshot) { got = std::move(snapshot); });
+   changeOn();
+   ASSERT_TRUE(other.until([&] { return got.has_value(); }));
+   std::map<std::string, Row> rows;
+   for (const Row& row : got->rows) rows[row.path] = row;
+   EXPECT_EQ(got->rows.front().path, "a");
+   EXPECT_THAT(rows, SizeIs(1001)) << "each change takes one and adds one";
+   auto x = rows["a/row/0"].fields;
+   ASSERT_THAT(x, SizeIs(1));
+   EXPECT_THAT(rows["a"].fields, Contains(x.front()));
+   EXPECT_THAT(rows["a"].fields, SizeIs(1001));
+   EXPECT_TRUE(rows.contains("a/new/" + x.front().second));
+   // What follows is read from there.
+   auto changes = client.read(got->last);
+   ASSERT_TRUE(changes);
+   EXPECT_EQ(std::stoul(x.front().second) + changes->size(), size_t(last));
 }
 
 TEST_F(RedisStoreTest, AListThatDoesNotReachBackIsGone) {
