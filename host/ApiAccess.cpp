@@ -1,12 +1,23 @@
 #include "host/ApiAccess.h"
 
 #include "Rex/System.h"
+#include "host/Feeders/Feeders.h"
+#include "host/KnownPaths.h"
 #include "model/CliConfig.h"
 
 namespace Host {
 
+ApiAccess ApiAccess::besideAgents(Rex::Ptr<Statestore::EntityManager> entityManager) {
+   ApiAccess access(std::move(entityManager), Feeders::fedPaths(Feeders::all(), true));
+   for (const KnownPath& known : knownPaths()) {
+      if (known.agents) access.agents_.insert(known.path);
+   }
+   return access;
+}
+
 std::string ApiAccess::refusal(const std::string& root) const {
-   if (entityManager_->mountFlags(root).find('w') != std::string::npos) {
+   bool own = entityManager_->mountFlags(root).find('w') != std::string::npos;
+   if (own || agents_.contains(root)) {
       return "'" + root + "' is written by the agent and cannot be changed here";
    }
    if (fed_.contains(root)) {
