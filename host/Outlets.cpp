@@ -4,35 +4,32 @@
 #include <syslog.h>
 #include <unistd.h>
 
+#include <memory>
+
 #include "Rex/Log.h"
 #include "Rex/Trace.h"
+#include "host/LineOutlet.h"
 
 namespace Host {
 namespace {
 
-// One call for one line, so that lines of two processes do not mix.
-void writeLine(const std::string& line) {
-   ssize_t lost = write(STDERR_FILENO, line.data(), line.size());
-   static_cast<void>(lost);
-}
-
-void logEvent(const Rex::LogEvent& event, bool terminal) {
-   syslog(event.severity, "%s: %s", event.name, event.text.c_str());
-   if (terminal) writeLine(fmt::format("{}: {}\n", event.name, event.text));
-}
-
-void traceRecord(const Rex::TraceRecord& record) {
-   writeLine(
-       fmt::format("{:.6f} {} {} {}\n", record.time, record.facility, record.level, record.text));
+std::string lineOf(const Rex::TraceRecord& record) {
+   return fmt::format("{:.6f} {} {} {}", record.time, record.facility, record.level, record.text);
 }
 
 }  // namespace
 
 void outletsIs(Rex::Context& context) {
    openlog("lldp-agentd", LOG_PID | LOG_NDELAY, LOG_DAEMON);
-   bool terminal = isatty(STDERR_FILENO);
-   context.logSink = [terminal](const Rex::LogEvent& event) { logEvent(event, terminal); };
-   context.traceSink = traceRecord;
+   auto standardError = std::make_shared<LineOutlet>(STDERR_FILENO);
+   auto terminal = isatty(STDERR_FILENO) ? standardError : nullptr;
+   context.logSink = [terminal](const Rex::LogEvent& event) {
+      syslog(event.severity, "%s: %s", event.name, event.text.c_str());
+      if (terminal) terminal->lineIs(fmt::format("{}: {}", event.name, event.text));
+   };
+   context.traceSink = [standardError](const Rex::TraceRecord& record) {
+      standardError->lineIs(lineOf(record));
+   };
 }
 
 LogTap::LogTap(Rex::Context& context, std::function<void(const Rex::LogEvent&)> hear)

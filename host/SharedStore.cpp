@@ -33,7 +33,9 @@ SharedStore::SharedStore(Rex::Loop& loop, Rex::Context& context, const Redis::St
       context_(context),
       text_(url.text()),
       store_(loop, resolved(url), std::random_device()()),
-      replica_(store_, writerName()) {}
+      replica_(store_, writerName()) {
+   for (int cell : {1, 2}) replica_.yieldAt(Cell::path("redundancy/status", cell).stdString());
+}
 
 void SharedStore::load(Statestore::EntityManager& manager, std::function<void(bool)> then) {
    std::vector<std::string> paths;

@@ -152,7 +152,7 @@ void RedisStore::load(const std::vector<std::string>& roots,
 void RedisStore::read(const std::string& life, const std::string& after,
                       std::function<void(std::optional<std::vector<Statestore::Change>>)> answer) {
    request(readScript, {life, after, entriesAtATime},
-           unlessError([this, answer](const redisReply& reply) {
+           unlessError([this, life, answer](const redisReply& reply) {
               if (text(reply) == "gone") {
                  handleGood();
                  return answer(std::nullopt);
@@ -160,6 +160,7 @@ void RedisStore::read(const std::string& life, const std::string& after,
               auto changes = parseChanges(reply);
               if (!changes) return breakOff("it answers what is no list of changes");
               handleGood();
+              life_ = life;
               malformedEntries_ += changes->malformed;
               if (changes->malformed) log_.malformed(changes->changes.back().id);
               answer(std::move(changes->changes));

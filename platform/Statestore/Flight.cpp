@@ -9,7 +9,8 @@ std::string placeName(const std::string& row, const std::string& field) {
 
 }  // namespace
 
-Flight::Flight(uint64_t number, Operations made) : number(number), operations(std::move(made)) {
+void Flight::index() const {
+   if (!places_.empty()) return;
    for (const Operation& one : operations) {
       places_.insert(placeName(one.row, one.field));
       if (one.kind != Operation::Kind::set) rows_.insert(pathBelow(one.row, one.field));
@@ -17,6 +18,7 @@ Flight::Flight(uint64_t number, Operations made) : number(number), operations(st
 }
 
 bool Flight::covers(const std::string& row, const std::string& field) const {
+   index();
    if (places_.contains(placeName(row, field))) return true;
    for (size_t end = row.size(); end && end != std::string::npos; end = row.rfind('/', end - 1)) {
       if (rows_.contains(row.substr(0, end))) return true;

@@ -16,7 +16,8 @@ class Flight {
       made,
    };
 
-   Flight(uint64_t number, Operations operations);
+   Flight(uint64_t number, Operations operations)
+       : number(number), operations(std::move(operations)) {}
 
    const uint64_t number;
    const Operations operations;
@@ -29,8 +30,11 @@ class Flight {
    void applyTo(RowImages& rows, const std::string& path) const;
 
  private:
-   std::unordered_set<std::string> places_;  // row, newline, field
-   std::unordered_set<std::string> rows_;    // that it makes or removes
+   void index() const;
+
+   // Made when first asked for: it seldom happens that others write meanwhile.
+   mutable std::unordered_set<std::string> places_;  // row, newline, field
+   mutable std::unordered_set<std::string> rows_;    // that it makes or removes
 };
 
 }  // namespace Statestore

@@ -27,6 +27,7 @@ void MountGroup::doClose(bool /*forgiving*/, const Rex::String& /*name*/, double
 }
 
 void MountGroup::handleTurn() {
+   if (!manager_) return;
    Rex::ContextScope scope(context_);
    // The mounter may let go of the group, and of the manager, while it is told.
    Rex::Ptr<MountGroup> group(this);

@@ -6,7 +6,18 @@ namespace Statestore {
 
 void References::points(const PlaceName& place, const std::string& target) {
    endWait(place);
+   pointsNowhere(place);
    pointing_[target].insert(place);
+   targets_.emplace(place, target);
+}
+
+void References::pointsNowhere(const PlaceName& place) {
+   auto at = targets_.find(place);
+   if (at == targets_.end()) return;
+   auto pointing = pointing_.find(at->second);
+   pointing->second.erase(place);
+   if (pointing->second.empty()) pointing_.erase(pointing);
+   targets_.erase(at);
 }
 
 void References::waits(const PlaceName& place, const std::string& target) {
@@ -59,8 +70,17 @@ void References::handleCame(const std::string& row) {
 void References::handleGone(const std::string& row, const Rex::Ptr<Rex::Entity>& entity) {
    auto pointing = pointing_.find(row);
    if (pointing != pointing_.end()) {
-      for (const PlaceName& place : pointing->second) due_.push_back({place, row, entity});
+      for (const PlaceName& place : pointing->second) {
+         due_.push_back({place, row, entity});
+         targets_.erase(place);
+      }
       pointing_.erase(pointing);
+   }
+   // What the row itself pointed to.
+   for (auto at = targets_.lower_bound({row, {}});
+        at != targets_.end() && at->first.first == row;) {
+      PlaceName place = (at++)->first;
+      pointsNowhere(place);
    }
    for (auto at = waiting_.lower_bound({row, {}});
         at != waiting_.end() && at->first.first == row;) {

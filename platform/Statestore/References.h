@@ -21,6 +21,7 @@ class References {
 
    // A place points to the row that stands at `target`, waits for it, or does neither.
    void points(const PlaceName& place, const std::string& target);
+   void pointsNowhere(const PlaceName& place);
    void waits(const PlaceName& place, const std::string& target);
    void endWait(const PlaceName& place);
    void endAllWaits();
@@ -47,9 +48,11 @@ class References {
    static std::optional<std::string> fromText(std::string_view text);
 
  private:
-   std::unordered_map<std::string, std::set<PlaceName>> pointing_;  // by target; some no more
-   std::unordered_map<std::string, std::set<PlaceName>> awaited_;   // by target
-   std::map<PlaceName, std::string> waiting_;                       // the same the other way round
+   // Those of each target, and the same the other way round.
+   std::unordered_map<std::string, std::set<PlaceName>> pointing_;
+   std::map<PlaceName, std::string> targets_;
+   std::unordered_map<std::string, std::set<PlaceName>> awaited_;
+   std::map<PlaceName, std::string> waiting_;
    std::vector<Due> due_;
 };
 

@@ -18,6 +18,12 @@ const Rex::LogHandle STATESTORE_CHANGE_REFUSED(
     "The state store refuses changes; the next try is in %s seconds.",
     "The store has no memory left, or is read-only. Nothing is lost as long as this process runs.",
     "Give the store memory, or make it writable.", 60, 1, 0);
+const Rex::LogHandle STATESTORE_CHANGE_UNMET(
+    "STATESTORE_CHANGE_UNMET", 4,
+    "What this process changes is not written: in the state store %s is not %s.",
+    "The process writes only as long as it has its role. Its host begins it anew when it hears of "
+    "another one.",
+    "Nothing, if a switchover is under way. Else look at who has which role.", 60, 1, 0);
 const Rex::LogHandle STATESTORE_OTHER_TYPE(
     "STATESTORE_OTHER_TYPE", 3, "The state store has a %s at %s, where this process has a %s.",
     "Two processes, maybe of different versions, mean different things by one path. This process "
@@ -55,19 +61,18 @@ Replica::~Replica() {
    tree_.replicaIs(nullptr);
 }
 
+// A change on its way stays: what is being read may be compared with it.
 void Replica::freeze() {
    if (detached_ || frozen_) return;
    frozen_ = true;
-   const bool sends = !reload_ && !life_.empty();  // else it is not known what is in the store
-   if (sends) rest_ = rowWriter_.take(std::numeric_limits<size_t>::max());
-   if (!sends || (flight_ && flight_->state == Flight::State::made)) flight_.reset();
+   // Else it is not known what is in the store.
+   if (!reload_ && !life_.empty()) rest_ = rowWriter_.take(std::numeric_limits<size_t>::max());
    letGo();
-   step();
+   turn_.timeMinIs(0);
 }
 
 void Replica::detach() {
    detached_ = true;
-   flight_.reset();
    letGo();
 }
 
@@ -80,7 +85,7 @@ void Replica::letGo() {
 }
 
 bool Replica::idle() const {
-   if (frozen_) return !flight_ && rest_.empty();
+   if (frozen_) return !(flight_ && flight_->state != Flight::State::made) && rest_.empty();
    return detached_ || (up_ && !busy_ && !reload_ && !news_ && !flight_ && table_.pending.empty() &&
                         rootPaths(true).empty());
 }
@@ -181,6 +186,7 @@ void Replica::step() {
 }
 
 void Replica::stepFrozen() {
+   if (flight_ && flight_->state == Flight::State::made) flight_.reset();
    if (!flight_ && !rest_.empty()) flight_.emplace(++number_, std::exchange(rest_, {}));
    if (flight_) send();
 }
@@ -258,6 +264,7 @@ void Replica::handleLoaded(const std::vector<std::string>& paths, Snapshot snaps
          root.row.reset();
          continue;
       }
+      if (yields_.contains(path)) root.row.get()->authoredNothing();
       Reconcile(table_, treeWriter_, images, restore, removed).root(*root.row.get());
    }
    treeWriter_.settle();
@@ -314,11 +321,12 @@ void Replica::send() {
    busy_ = true;
    flight_->state = Flight::State::sent;
    Operations guarded;
-   if (guard_) {
+   const bool isGuarded = guard_ && !isOwnWord(*guard_);
+   if (isGuarded) {
       guarded.push_back(*guard_);
       guarded.insert(guarded.end(), flight_->operations.begin(), flight_->operations.end());
    }
-   const Operations& operations = guard_ ? guarded : flight_->operations;
+   const Operations& operations = isGuarded ? guarded : flight_->operations;
    store_.change(life_, writer_, flight_->number, operations, [this](ChangeResult result) {
       busy_ = false;
       if (detached_) return;
@@ -326,6 +334,14 @@ void Replica::send() {
       handleSent(result);
       step();
    });
+}
+
+// Whether it is this process that says what the guard requires, and the store does not know yet.
+bool Replica::isOwnWord(const Operation& guard) const {
+   if (flight_->covers(guard.row, guard.field)) return true;
+   RowSm* row = table_.at(guard.row);
+   const Rex::Member* member = row ? row->entity()->entityType().member(guard.field) : nullptr;
+   return member && table_.pending.has(*row, *member, {});
 }
 
 void Replica::handleSent(ChangeResult result) {
@@ -345,6 +361,9 @@ void Replica::handleSent(ChangeResult result) {
          reload_ = true;
          return;
       case ChangeResult::unmet:  // why is among the news
+         if (guard_)
+            Rex::log(STATESTORE_CHANGE_UNMET, Rex::String(guard_->row + ' ' + guard_->field),
+                     Rex::String(guard_->value));
          news_ = true;
          flight_->state = Flight::State::waiting;
          retry_.timeMinIs(context_.clock()->now() + firstRetry);

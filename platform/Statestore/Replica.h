@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,10 @@ class Replica : private StoreClient {
    // What each change from here on requires of the store (Operation::Kind::require): while it is
    // not so nothing goes out. Nothing is required without one.
    void guardIs(std::optional<Operation> guard) { guard_ = std::move(guard); }
+
+   // A root at which a reload takes what the store says also where this process wrote last: who has
+   // which role is not to be said again by one that was away.
+   void yieldAt(const std::string& path) { yields_.insert(path); }
 
    // For a process that loses its role: sends what is pending, if the guard lets it, and nothing
    // that is changed later; and applies nothing more.
@@ -75,6 +80,7 @@ class Replica : private StoreClient {
    void handleRead(std::optional<std::vector<Change>> changes);
    void apply(const Change& change);
    void send();
+   bool isOwnWord(const Operation& guard) const;
    void stepFrozen();
    void letGo();
    void handleSent(ChangeResult result);
@@ -98,6 +104,7 @@ class Replica : private StoreClient {
    bool frozen_ = false;
    Operations rest_;  // of a frozen process
    std::optional<Operation> guard_;
+   std::set<std::string> yields_;
    bool up_ = false;
    bool busy_ = false;    // a request is not answered
    bool reload_ = false;  // the list of changes does not tell what happened

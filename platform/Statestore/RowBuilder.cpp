@@ -74,7 +74,8 @@ void RowBuilder::fill(Rex::Entity& entity, const std::string& path, const std::s
       built_.erase(below);
       throw Rex::JsonError("", "no row of that type stands there");
    }
-   if (auto target = References::fromText(value)) {
+   auto target = References::fromText(value);
+   if (target && member.kind != Rex::MemberKind::children) {
       pointing_.push_back({{path, field}, *place, *target});
    } else if (value != "null") {
       throw Rex::JsonError("", "expected a row, or a path");

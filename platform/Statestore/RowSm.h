@@ -51,6 +51,7 @@ class RowSm : public Rex::StateMachine {
    bool authored(const Rex::Member& member) const { return authored_ & bit(member); }
    bool authored() const { return authored_; }
    void authoredIs(const Rex::Member& member, bool authored);
+   void authoredNothing() { authored_ = 0; }
 
  private:
    void handleInitialized();

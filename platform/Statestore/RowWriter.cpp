@@ -95,6 +95,7 @@ std::string RowWriter::valueOf(RowSm& row, const std::string& field, const Place
       table_.references.points(name, target->path());
       return References::toText(target->path());
    }
+   table_.references.pointsNowhere(name);
    if (value.entity) {
       table_.references.dangles(name, value.entity);
    } else {

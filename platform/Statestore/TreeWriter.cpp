@@ -58,15 +58,16 @@ void TreeWriter::point(RowSm& row, const Place& place, const std::string& target
    const References::PlaceName name = nameOf(row, place);
    RowSm* standing = table_.at(target);
    if (!standing) {
+      table_.references.pointsNowhere(name);
       table_.references.waits(name, target);
       return empty(row, place);
    }
    Rex::Ptr<Rex::Entity> entity = standing->entity();
-   table_.references.points(name, target);
    bool fits = false;
    table_.applying.write(row, place,
                          [&] { fits = place.member->put(*row.entity(), place.key, entity); });
-   if (!fits) refuse(name.first + '/' + name.second + ": does not point to " + target);
+   if (!fits) return refuse(name.first + '/' + name.second + ": does not point to " + target);
+   table_.references.points(name, target);
 }
 
 void TreeWriter::put(RowSm& row, const Place& place, const RowImages& images) {
@@ -93,6 +94,7 @@ void TreeWriter::put(RowSm& row, const Place& place, const RowImages& images) {
 
 void TreeWriter::remove(RowSm& row, const Place& place) {
    table_.references.endWait(nameOf(row, place));
+   table_.references.pointsNowhere(nameOf(row, place));
    empty(row, place);
 }
 

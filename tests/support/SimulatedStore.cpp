@@ -115,7 +115,6 @@ void SimulatedStore::settle() {
 
 void SimulatedStore::empty() {
    rows_.clear();
-   roots_.clear();
    changes_.clear();
    life_.clear();
    for (Client& client : clients_) {
@@ -158,7 +157,6 @@ void SimulatedStore::wipe(const std::string& path) {
    std::erase_if(rows_, [&](const auto& row) {
       return row.first == path || row.first.starts_with(path + '/');
    });
-   roots_.erase(path);
 }
 
 // Fields of a row that are rows hold their type, as a text.
@@ -193,7 +191,6 @@ bool SimulatedStore::apply(const Operation& one) {
       case Operation::Kind::make:
          wipe(path);
          rows_[path].type = one.value;
-         if (one.row.empty()) roots_[path] = one.value;
          if (!row.empty()) rows_[row].fields[field] = '"' + one.value + '"';
          return true;
       case Operation::Kind::remove: {

@@ -64,7 +64,7 @@ class SimulatedStore {
    void empty();
    // Only the newest changes stay in the list.
    void trim(size_t stay);
-   // Another life, rows as they were at a moment: a store that lost what came later.
+
    bool refuses = false;  // every change
    size_t piece = 500;    // most changes in an answer
 
@@ -87,7 +87,6 @@ class SimulatedStore {
 
    std::mt19937 random_;
    std::map<std::string, Row> rows_;
-   std::map<std::string, std::string> roots_;
    std::deque<Statestore::Change> changes_;
    std::string life_;
    uint64_t lives_ = 0, ids_ = 0;

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "Rex/Context.h"
@@ -18,11 +17,11 @@ namespace LldpTest {
 class StoreProcess {
  public:
    StoreProcess(SimulatedStore& store, const Rex::Ptr<Rex::Clock>& clock, const std::string& writer)
-       : client(store.client()), context(clock), scope_(std::in_place, context) {
+       : client(store.client()), context(clock) {
+      Rex::ContextScope scope(context);
       manager = Rex::make<Statestore::EntityManager>();
       client.name = writer;
       replica = std::make_unique<Statestore::Replica>(client, writer);
-      scope_.reset();
       client.connect();
    }
    ~StoreProcess() { client.leave(); }
@@ -37,11 +36,6 @@ class StoreProcess {
 
    SimulatedStore::Client& client;
    Rex::Context context;
-
- private:
-   std::optional<Rex::ContextScope> scope_;
-
- public:
    Rex::Ptr<Statestore::EntityManager> manager;
    std::unique_ptr<Statestore::Replica> replica;
 };

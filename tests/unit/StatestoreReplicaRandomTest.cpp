@@ -243,7 +243,7 @@ struct ReplicaWorld {
 }  // namespace
 
 TEST(StatestoreReplicaRandomTest, AllAgreeAfterEachQuietMoment) {
-   liveSeeds(20, 400, [](unsigned seed, int steps) {
+   liveSeeds(5, 400, [](unsigned seed, int steps) {
       ReplicaWorld world(seed);
       for (int step = 1; step <= steps; ++step) {
          if (world.oneIn(3))
