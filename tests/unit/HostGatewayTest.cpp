@@ -21,7 +21,7 @@ struct HostGateway : Test {
          ASSERT_TRUE(manager->entityIs(known.path, known.type)) << known.path;
       }
    }
-   void roleIs(int cell, Redundancy::RedundancyMode mode) {
+   void roleIs(int cell, Redundancy::Mode mode) {
       auto status = Rex::dynamicPtr<Redundancy::RedundancyStatus>(
           manager->getEntity("cell/" + std::to_string(cell) + "/redundancy/status"));
       status->protocolIs(Redundancy::protocolHotStandby);
