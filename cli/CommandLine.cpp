@@ -70,16 +70,15 @@ void addPlaces(CLI::App& app, Session& session) {
        app.add_option("--socket", session.socketPath, "socket of the agent's management API")
            ->type_name("PATH")
            ->capture_default_str();
-   app.add_option("--store", session.store.url,
-                  "state store that the agents share, instead of an agent's socket: "
-                  "redis://[[user]:password@]host[:port][/database] or "
-                  "unix:/path[?database=N]")
+   auto instead = [socket](const std::string&) {
+      if (socket->count()) throw CLI::ValidationError("--socket and --store: expected one of them");
+   };
+   app.add_option("--store", session.store.url, "instead: the state store of all agents")
        ->type_name("URL")
-       ->excludes(socket);
-   app.add_option("--store-password-file", session.store.passwordFile,
-                  "file whose first line is the password of that store")
+       ->each(instead);
+   app.add_option("--store-password-file", session.store.passwordFile, "file with its password")
        ->type_name("FILE")
-       ->excludes(socket);
+       ->each(instead);
    // The words of the line count more than the environment.
    socket->each([&session](const std::string&) { session.store = {}; });
 }

@@ -38,9 +38,9 @@ TEST_F(HostGateway, OnlyWhatNoAgentAndNoFeederWritesIsTheOperators) {
    EXPECT_THAT(writable,
                ElementsAre("cell/1/redundancy/status", "cell/2/redundancy/status",
                            "environment/power/status/poePort", "hardware/cellInfo",
-                           "hardware/entmib", "identity/dot1x/status",
-                           "identity/nbrClassification/cliConfig", "l2discovery/lldp/cliConfig",
-                           "l2discovery/lldp/externalTlvs", "l2discovery/lldp/remTablesCliConfig"));
+                           "identity/dot1x/status", "identity/nbrClassification/cliConfig",
+                           "l2discovery/lldp/cliConfig", "l2discovery/lldp/externalTlvs",
+                           "l2discovery/lldp/remTablesCliConfig", "routing/config"));
    EXPECT_THAT(access.refusal("l2discovery/lldp/status/all"), HasSubstr("by the agent"));
    EXPECT_THAT(access.refusal("cell/2/host/intfStatus"), HasSubstr("by a feeder"));
 }
