@@ -45,7 +45,10 @@ bool PortOrder::operator()(const std::string& a, const std::string& b) const {
    return strverscmp(a.c_str(), b.c_str()) < 0;
 }
 
-Agent::Agent(const Session& session) : client_(session.socketPath, session.patience) {
+Agent::Agent(Session& session)
+    : client_(agentSocket(session), session.patience),
+      patience_(session.patience),
+      elsewhere_(session.store) {
    Json agent = client_.get("/v1/agent");
    now_ = agent.at("time").get<double>();
    cell_ = agent.at("cell").get<int>();
@@ -79,6 +82,15 @@ Ports Agent::portsIn(const Json& members, const std::optional<std::string>& port
       if (!port || name == *port) found.emplace(name, member);
    }
    return found;
+}
+
+void Agent::await(const std::function<bool()>& done) {
+   constexpr std::chrono::milliseconds step(20);
+   if (!elsewhere_) return;
+   for (auto left = patience_.answer; !done(); left -= step) {
+      if (left <= step) throw Failure("asked for, but no agent has done it yet");
+      patience_.pause(step);
+   }
 }
 
 std::optional<Json> Agent::findTable(const std::string& path) {

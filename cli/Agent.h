@@ -1,6 +1,7 @@
 // The agent as the commands see it: its entities by path, ports in their natural order.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -20,14 +21,18 @@ using Ports = std::map<std::string, Json, PortOrder>;
 
 class Agent {
  public:
-   explicit Agent(const Session& session);
+   explicit Agent(Session& session);
 
    Client& client() { return client_; }
 
    // Seconds on the agent's clock, which its entities' times stand on, when it was asked last.
    double now() const { return now_; }
-   // The number of its supervisor.
+   // The number of its supervisor; of a state store, of the active one.
    int cell() const { return cell_; }
+
+   // Returns when `done` says that the agent has carried out what it was asked for. It has at once,
+   // but for one that is asked through a state store. Throws Failure when it takes too long.
+   void await(const std::function<bool()>& done);
 
    // An entity by its path. `levels` of what it owns come with it, and of what is deeper only that
    // it is there.
@@ -55,6 +60,8 @@ class Agent {
 
  private:
    Client client_;
+   const Patience patience_;
+   const bool elsewhere_;  // what it is asked for comes to it through a state store
    double now_ = 0;
    int cell_ = 0;
    std::string ownStatus_;  // path of what this supervisor has learned

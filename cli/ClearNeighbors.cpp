@@ -18,14 +18,26 @@ size_t countNeighbors(Agent& agent) {
    return count;
 }
 
-// A request clears what stands when it comes, before it is answered. What stands after it was not
-// cleared, or is back already.
+// An agent remembers the time of the last request that it carried out.
+void awaitCleared(Agent& agent) {
+   const std::string path = "/v1/entity/l2discovery/lldp/remTablesCliConfig/remTablesClearRequest";
+   const std::string status =
+       fmt::format("/v1/entity/cell/{}/l2discovery/lldp/remTablesStatus", agent.cell());
+   agent.await([&, asked = std::optional<double>()]() mutable {
+      if (!asked) asked = agent.client().get(path).at("requestTime").get<double>();
+      return agent.client().get(status).at("remTablesLastClearTime").get<double>() >= *asked;
+   });
+}
+
+// A request clears what stands when it comes. What stands after it was not cleared, or is back
+// already.
 void run(bool json, Session& session) {
    Agent agent(session);
    size_t count = countNeighbors(agent);
    agent.client().change("PATCH", "/v1/entity/l2discovery/lldp/remTablesCliConfig",
                          {{"remTablesClearRequest",
                            {{"requesterName", session.user}, {"requesterLine", session.line}}}});
+   awaitCleared(agent);
    count -= std::min(count, countNeighbors(agent));
    if (json) {
       session.out << Json{{"cleared", count}}.dump() << "\n";

@@ -35,8 +35,16 @@ Json requestFor(const std::optional<std::string>& target, const Session& session
    return {{"key", fmt::format("{}{:.6f}", ours, session.wallTime())}, {"value", request}};
 }
 
-// A request is carried out when it comes, before it is answered. A phone that spoke in between is
-// back already.
+void awaitCleared(Agent& agent, const Json& request) {
+   agent.await([&] {
+      Json done = agent.entity(std::string(phonesStatusPath), 1).at("clearRequestTime");
+      return std::ranges::any_of(done, [&](const Json& one) {
+         return one.at("key") == request.at("key") && one.at("value") != 0;
+      });
+   });
+}
+
+// A request is carried out when it comes. A phone that spoke in between is back already.
 void run(const std::optional<std::string>& target, bool json, Session& session) {
    Agent agent(session);
    size_t count = countPhones(agent);
@@ -48,6 +56,7 @@ void run(const std::optional<std::string>& target, bool json, Session& session) 
    requests.push_back(requestFor(target, session));
    agent.client().change("PATCH", fmt::format("/v1/entity/{}", phonesConfigPath),
                          {{"clearRequest", requests}});
+   awaitCleared(agent, requests.back());
    count -= std::min(count, countPhones(agent));
    if (json) {
       session.out << Json{{"cleared", count}}.dump() << "\n";

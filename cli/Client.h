@@ -17,8 +17,8 @@ using Json = nlohmann::ordered_json;
 struct Patience {
    // An agent that says nothing for so long counts as gone.
    std::chrono::milliseconds answer = std::chrono::seconds(10);
-   // Lets time pass before a busy agent is asked once more.
-   std::function<void(std::chrono::seconds)> pause = [](std::chrono::seconds) {};
+   // Lets time pass before the agent is asked once more.
+   std::function<void(std::chrono::milliseconds)> pause = [](std::chrono::milliseconds) {};
 };
 
 class Client {

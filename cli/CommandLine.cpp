@@ -64,6 +64,25 @@ void name(CLI::App& app) {
    }
 }
 
+// Where the management API is.
+void addPlaces(CLI::App& app, Session& session) {
+   auto* socket =
+       app.add_option("--socket", session.socketPath, "socket of the agent's management API")
+           ->type_name("PATH")
+           ->capture_default_str();
+   auto instead = [socket](const std::string&) {
+      if (socket->count()) throw CLI::ValidationError("--socket and --store: expected one of them");
+   };
+   app.add_option("--store", session.store.url, "instead: the state store of all agents")
+       ->type_name("URL")
+       ->each(instead);
+   app.add_option("--store-password-file", session.store.passwordFile, "file with its password")
+       ->type_name("FILE")
+       ->each(instead);
+   // The words of the line count more than the environment.
+   socket->each([&session](const std::string&) { session.store = {}; });
+}
+
 void describe(CLI::App& app, Session& session) {
    app.name("lldp");
    app.description("Shows and sets what the LLDP agent of this switch says and hears.");
@@ -71,9 +90,7 @@ void describe(CLI::App& app, Session& session) {
    app.get_formatter()->column_width(24);
    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
    app.get_formatter()->label("Positionals", "Arguments");
-   app.add_option("--socket", session.socketPath, "socket of the agent's management API")
-       ->type_name("PATH")
-       ->capture_default_str();
+   addPlaces(app, session);
    CLI::App& show = addGroup(app, "show", "neighbors, local system, counters, ports, settings");
    addShowNeighbors(show, session);
    addShowLocal(show, session);
@@ -142,6 +159,7 @@ int runCommandLine(const std::vector<std::string>& words, Session session, std::
    describe(app, session);
    try {
       parse(app, words, session);
+      if (session.gateway) session.gateway->finish();
       session.out.flush();
       return session.out ? 0 : complain(failed, "cannot write the output");
    } catch (const CLI::ExtrasError&) {
@@ -158,7 +176,8 @@ int runCommandLine(const std::vector<std::string>& words, Session session, std::
                                           "another version perhaps: {}",
                                           Rex::printable(error.what())));
    } catch (const Failure& failure) {
-      return complain(failed, failure.what());
+      auto fault = session.gateway ? session.gateway->fault() : std::nullopt;
+      return complain(failed, fault.value_or(failure.what()));
    }
 }
 

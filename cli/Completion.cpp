@@ -77,7 +77,7 @@ Words ports(Session& session) {
 Words facilities(Session& session) {
    return fromAgent(session, [&] {
       Words names;
-      Json trace = Client(session.socketPath, session.patience).get("/v1/agent/trace");
+      Json trace = Client(agentSocket(session), session.patience).get("/v1/agent/trace");
       for (const auto& [name, levels] : trace.items()) names.push_back(name);
       return names;
    });
@@ -99,13 +99,21 @@ struct Place {
    bool ofOption = false;  // the word is an option's value
 };
 
+// Which of the options an option's value tells where the agent is.
+std::string* placeNamed(const std::string& option, Session& session) {
+   return option == "--socket"                ? &session.socketPath
+          : option == "--store"               ? &session.store.url
+          : option == "--store-password-file" ? &session.store.passwordFile
+                                              : nullptr;
+}
+
 Place placeOf(const CLI::App& app, const Words& words, Session& session) {
    Place place{&app, {}, words.empty() ? "" : words.back()};
    for (size_t i = 0; i + 1 < words.size(); ++i) {
       const std::string& word = words[i];
-      if (word == "--socket") {
+      if (std::string* value = placeNamed(word, session)) {
          place.ofOption = ++i + 1 == words.size();
-         if (!place.ofOption) session.socketPath = words[i];
+         if (!place.ofOption) *value = words[i];
       } else if (!word.starts_with('-')) {
          auto below = place.command->get_subcommands(
              [&word](const CLI::App* command) { return command->get_name() == word; });

@@ -5,13 +5,18 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/Client.h"
+#include "cli/Failure.h"
 #include "cli/Octets.h"
 
 namespace LldpCli {
 namespace {
 
 void run(bool json, Session& session) {
-   Client client(session.socketPath, session.patience);
+   if (session.store) {
+      throw Failure(
+          "'config save' is for the file of one agent; a state store keeps the settings by itself");
+   }
+   Client client(agentSocket(session), session.patience);
    Json answer = client.change("POST", "/v1/config/save");
    if (json) {
       session.out << answer.dump(-1, ' ', true) << "\n";

@@ -30,6 +30,7 @@ std::string reasonWords(const std::string& reason) {
           : reason == "cleared"         ? "cleared"
           : reason == "portLost"        ? "port lost"
           : reason == "otherSupervisor" ? "by the other supervisor"
+          : reason == "byAgent"         ? "by its agent"
                                         : reason;
 }
 

@@ -26,6 +26,7 @@ const auto exampleLines = std::to_array<HelpLine>({
     {"lldp unset tlv all", "all TLVs are sent again"},
     {"lldp show config", "what differs from the defaults, as commands"},
     {"lldp watch --standing", "who is there, and then what changes"},
+    {"lldp --store redis://10.0.0.1 show neighbors", "of all agents, on any machine"},
 });
 
 const auto portsLines = std::to_array<HelpLine>({
@@ -37,13 +38,15 @@ const auto portsLines = std::to_array<HelpLine>({
 const auto statusLines = std::to_array<HelpLine>({
     {"0", "done"},
     {"1",
-     "it could not be done: no agent at the socket, no right to use it, no such port, or the "
+     "it could not be done: no agent at the socket, no state store, no right to use it, no such "
+     "port, or the "
      "agent refuses; nothing was changed"},
     {"2", "the command line was not understood; nothing was changed"},
 });
 
 const auto environmentLines = std::to_array<HelpLine>({
     {"LLDP_SOCKET", "the agent's socket where --socket does not name one"},
+    {"LLDP_STORE", "the state store where neither --store nor --socket names a place"},
     {"NO_COLOR", "no colours on a terminal, when set and not empty"},
     {"TERM", "no colours where it is 'dumb' or not set"},
 });

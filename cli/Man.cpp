@@ -104,8 +104,10 @@ void addOptions(Page& page, const CLI::App& app) {
    page.section("OPTIONS");
    page.paragraph("These may stand anywhere in the line.");
    for (const CLI::Option* option : flags(app)) {
-      page.entry(withValue(*option), fmt::format("{} (default {})", option->get_description(),
-                                                 option->get_default_str()));
+      const std::string value = option->get_default_str();
+      page.entry(
+          withValue(*option),
+          option->get_description() + (value.empty() ? "" : fmt::format(" (default {})", value)));
    }
    page.entry(app.get_help_ptr()->get_name(false, true), app.get_help_ptr()->get_description());
 }
@@ -123,7 +125,9 @@ std::string manPage(const CLI::App& app) {
    page.paragraph(
        "lldp is a client of the management API of lldp-agentd and reaches it through a Unix "
        "socket. Who may not use the socket, but read.sock in the same folder, can still use the "
-       "commands that only read.");
+       "commands that only read. With --store it needs no agent on this machine: it starts "
+       "lldp-agentd for as long as it runs itself, to reach the state store that the agents "
+       "share.");
    page.paragraph(
        "In everything that it writes, control characters, octets that are no UTF-8 and characters "
        "that steer or hide text come out as \\xNN for each octet, and a backslash as \\\\.");

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <ostream>
 #include <string>
 
 #include "cli/Client.h"
+#include "cli/Gateway.h"
 #include "cli/Terminal.h"
 
 namespace LldpCli {
@@ -21,6 +23,8 @@ struct Session {
    std::string user = "unknown";
    std::string line = "lldp";
    std::string socketPath = defaultSocket;
+   StoreAddress store{};
+   std::shared_ptr<Gateway> gateway{};  // to that store, once a command has wanted it
 };
 
 }  // namespace LldpCli

@@ -115,7 +115,7 @@ PortSet runSet(const Words& words, Session& session) {
    Changes changes;
    for (const Typed& typed : settings) addSetting(changes, typed);
    {
-      Client client(session.socketPath, session.patience);
+      Client client(agentSocket(session), session.patience);
       apply(client, changes);
    }
    return missingPorts(settings, session);
@@ -123,7 +123,7 @@ PortSet runSet(const Words& words, Session& session) {
 
 PortSet runUnset(const Words& words, Session& session) {
    std::vector<Typed> settings = readSettings(words, false);
-   Client client(session.socketPath, session.patience);
+   Client client(agentSocket(session), session.patience);
    Changes changes;
    for (const Typed& typed : settings) addUnsetting(changes, typed, client);
    apply(client, changes);

@@ -97,7 +97,7 @@ void printConfig(std::ostream& out, const Json& config) {
 }
 
 void run(bool json, Session& session) {
-   Json config = Client(session.socketPath, session.patience).get("/v1/config");
+   Json config = Client(agentSocket(session), session.patience).get("/v1/config");
    if (json) {
       session.out << shown(Json{{"config", config}}, 2) << "\n";
    } else {

@@ -80,7 +80,8 @@ void show(const Json& trace, const Options& options, Session& session) {
 }
 
 void run(const Options& options, Session& session) {
-   Client client(session.socketPath, session.patience);
+   if (session.store) throw Failure("'trace' is for one agent; name its socket with --socket PATH");
+   Client client(agentSocket(session), session.patience);
    if (options.levels) {
       client.change("PATCH", resource, {{*options.facility, levelList(*options.levels)}});
       if (options.json) session.out << "{}\n";

@@ -42,10 +42,13 @@ double wallTime() {
 
 int main(int count, char** words) {
    LldpCli::Session session{std::cout, terminal()};
-   session.patience.pause = [](std::chrono::seconds time) { std::this_thread::sleep_for(time); };
+   session.patience.pause = [](std::chrono::milliseconds time) {
+      std::this_thread::sleep_for(time);
+   };
    session.wallTime = wallTime;
    session.user = user();
    session.line = line();
    if (const char* path = getenv("LLDP_SOCKET"); path && *path) session.socketPath = path;
+   if (const char* url = getenv("LLDP_STORE")) session.store.url = url;
    return LldpCli::runCommandLine({words + 1, words + count}, session, std::cerr);
 }

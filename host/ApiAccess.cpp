@@ -1,12 +1,26 @@
 #include "host/ApiAccess.h"
 
 #include "Rex/System.h"
+#include "Statestore/Cell.h"
+#include "host/Feeders/Feeders.h"
+#include "host/KnownPaths.h"
 #include "model/CliConfig.h"
 
 namespace Host {
 
+ApiAccess ApiAccess::besideAgents(Rex::Ptr<Statestore::EntityManager> entityManager) {
+   ApiAccess access(std::move(entityManager), Feeders::fedPaths(Feeders::all(), true));
+   // Feeders of a process know their own supervisor's.
+   for (int cell : {1, 2}) access.fed_.insert(Cell::path("sys/net/status", cell).stdString());
+   for (const KnownPath& known : knownPaths()) {
+      if (known.agents) access.agents_.insert(known.path);
+   }
+   return access;
+}
+
 std::string ApiAccess::refusal(const std::string& root) const {
-   if (entityManager_->mountFlags(root).find('w') != std::string::npos) {
+   bool own = entityManager_->mountFlags(root).find('w') != std::string::npos;
+   if (own || agents_.contains(root)) {
       return "'" + root + "' is written by the agent and cannot be changed here";
    }
    if (fed_.contains(root)) {

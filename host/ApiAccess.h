@@ -15,6 +15,8 @@ class ApiAccess {
    // `fed`: the paths that the host's own feeders write.
    ApiAccess(Rex::Ptr<Statestore::EntityManager> entityManager, std::set<std::string> fed)
        : entityManager_(std::move(entityManager)), fed_(std::move(fed)) {}
+   // Of a process that is no agent: what agents and feeders of others may write.
+   static ApiAccess besideAgents(Rex::Ptr<Statestore::EntityManager> entityManager);
 
    // Why the entity at a path of the store, and what is below it, is not the operator's to change;
    // empty when it is. Nobody but its writer changes what the agent or a feeder writes.
@@ -33,7 +35,8 @@ class ApiAccess {
 
  private:
    const Rex::Ptr<Statestore::EntityManager> entityManager_;
-   const std::set<std::string> fed_;
+   std::set<std::string> fed_;
+   std::set<std::string> agents_;  // what an agent elsewhere writes
 };
 
 }  // namespace Host

@@ -13,11 +13,15 @@ double now() {
 
 }  // namespace
 
-void serveConfig(ApiResources& resources, const OperatorConfig& config, const ConfigFile& file,
-                 const ApiLimits& limits) {
+void serveConfig(ApiResources& resources, const OperatorConfig& config) {
    resources.resourceIs({"/v1/config", {"GET"}, {}, [&config](const ApiRequest&, const ApiTarget&) {
                             return ApiAnswer{200, config.differences(), {}};
                          }});
+}
+
+void serveConfig(ApiResources& resources, const OperatorConfig& config, const ConfigFile& file,
+                 const ApiLimits& limits) {
+   serveConfig(resources, config);
    // Everything waits for the disk, so it is asked for no more than people and scripts need.
    auto writes = std::make_shared<TokenBucket>(limits.saveBurst, limits.savesPerSecond, now());
    auto save = [&config, &file, writes](const ApiRequest& request, const ApiTarget&) {

@@ -10,7 +10,9 @@
 
 namespace Host {
 
-// Serves them in `resources`, which `config` and `file` have to outlive.
+// Serves them in `resources`, which `config` and `file` have to outlive. Without a file nothing can
+// be saved.
+void serveConfig(ApiResources& resources, const OperatorConfig& config);
 void serveConfig(ApiResources& resources, const OperatorConfig& config, const ConfigFile& file,
                  const ApiLimits& limits = {});
 

@@ -1,8 +1,5 @@
 #include "host/Daemon.h"
 
-#include <signal.h>
-#include <sys/epoll.h>
-#include <sys/signalfd.h>
 #include <sys/socket.h>
 #include <systemd/sd-daemon.h>
 #include <unistd.h>
@@ -13,7 +10,6 @@
 
 #include "Foreign/Toggle.h"
 #include "Rex/Dispatcher.h"
-#include "Rex/System.h"
 #include "host/ApiConfig.h"
 #include "host/Feeders/FedEntity.h"
 #include "host/File.h"
@@ -35,28 +31,19 @@ Rex::Ptr<Rex::Clock> makeClock(const Options& options) {
 // Seconds that a process which is to end waits for the store to take what it has still to say.
 constexpr double longestFlush = 2;
 
-sigset_t stopSignals() {
-   sigset_t set;
-   sigemptyset(&set);
-   sigaddset(&set, SIGTERM);
-   sigaddset(&set, SIGINT);
-   return set;
-}
-
 }  // namespace
 
 Daemon::Daemon(const Options& options)
     : options_(options),
       context_(makeClock(options)),
       scope_(context_),
-      ready_(context_.clock()),
-      startTime_(Rex::System::currentTime()) {
+      process_(loop_),
+      ready_(context_.clock()) {
    context_.cellId = options_.cell;
    context_.runDir = options_.runDir;
    context_.service<ToggleFolder>().path =
        options_.config ? std::filesystem::absolute(*options_.config).parent_path().string()
                        : options_.stateDir;
-   watchSignals();
    outletsIs(context_);
    module_.emplace(options_.module);
    for (const TraceSetting& setting : options_.trace) {
@@ -77,7 +64,6 @@ Daemon::Daemon(const Options& options)
 }
 
 Daemon::~Daemon() {
-   if (signals_ >= 0) close(signals_);
    // Its machines hold packet access objects, which the maker has to outlive.
    stopApi();
    agent_ = nullptr;
@@ -170,30 +156,15 @@ void Daemon::openApi() {
 
 void Daemon::serveAll() {
    const auto& manager = agent_->entityManager();
-   entities_.emplace(manager, ApiAccess(manager, feeders_->fedPaths()));
-   entities_->serveIn(resources_);
+   storeApi_.emplace(resources_, manager, ApiAccess(manager, feeders_->fedPaths()));
    resources_.resourceIs(traceResource());
    serveConfig(resources_, *config_, *configFile_);
-   events_.emplace(manager);
-   events_->serveIn(resources_);
-   streams_.emplace(manager);
-   streams_->serveIn(resources_);
 }
 
 // Ends the streams too, whose machines watch what the agent is about to take away.
 void Daemon::stopApi() {
    readServer_.reset();
    server_.reset();
-}
-
-void Daemon::watchSignals() {
-   sigset_t set = stopSignals();
-   sigprocmask(SIG_BLOCK, &set, nullptr);
-   // Whoever reads our standard error may go away before us.
-   signal(SIGPIPE, SIG_IGN);
-   signals_ = signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
-   if (signals_ < 0) throw StartError(std::string("signalfd: ") + std::strerror(errno));
-   loop_.descriptorIs(signals_, EPOLLIN, [this](uint32_t) { loop_.stop(); });
 }
 
 bool Daemon::start() {
@@ -224,7 +195,7 @@ std::optional<Role> Daemon::run() {
    // As one handler, so that what still watches is told when all of it is over.
    Rex::Dispatcher::run([this] { module_->cleanUp(*agent_); });
    if (store_) {
-      loop_.descriptorDel(signals_);
+      process_.forgetSignals();
       store_->flush(longestFlush);
    }
    return std::nullopt;
@@ -246,14 +217,10 @@ Rex::Json Daemon::describe() const {
          ports[port.stringValue().stdString()] = {{"device", device}};
       }
    }
-   Rex::Json agent{{"pid", getpid()},
-                   {"cell", context_.cellId},
-                   {"time", Rex::System::currentTime()},
-                   {"startTime", startTime_},
-                   {"wakeups", loop_.wakeups()},
-                   {"packets", {{"kernelDrops", pamMaker_->kernelDrops()}}},
-                   {"ports", ports},
-                   {"trace", traceToJson()}};
+   Rex::Json agent = process_.describe();
+   agent["packets"] = {{"kernelDrops", pamMaker_->kernelDrops()}};
+   agent["ports"] = ports;
+   agent["trace"] = traceToJson();
    if (store_) agent["store"] = store_->describe();
    return agent;
 }

@@ -9,17 +9,16 @@
 #include "Rex/Context.h"
 #include "Rex/Loop.h"
 #include "Rex/Owned.h"
-#include "host/ApiEntities.h"
 #include "host/ApiServer.h"
 #include "host/ConfigFile.h"
 #include "host/Feeders/Feeders.h"
 #include "host/Module.h"
 #include "host/Options.h"
 #include "host/PowerFallback.h"
+#include "host/Process.h"
 #include "host/Redundancy.h"
 #include "host/SharedStore.h"
-#include "host/Watch/EntityStreams.h"
-#include "host/Watch/LldpEvents.h"
+#include "host/StoreApi.h"
 
 namespace Host {
 
@@ -48,7 +47,6 @@ class Daemon {
    void openApi();
    void serveAll();
    void stopApi();
-   void watchSignals();
    void handleReady();
    Rex::Json describe() const;
 
@@ -57,6 +55,7 @@ class Daemon {
    Rex::Loop loop_;
    Rex::Context context_;
    Rex::ContextScope scope_;
+   Process process_;
    std::optional<ApiSocket> socket_;
    std::optional<ApiSocket> readSocket_;
    std::shared_ptr<Interface::LinuxPamMaker> pamMaker_;
@@ -70,17 +69,13 @@ class Daemon {
    Rex::OwnedMachine<PowerFallback> powerFallback_;
    Rex::OwnedMachine<RedundancySm> redundancySm_;
    std::optional<Role> restartAs_;
-   std::optional<ApiEntities> entities_;
-   std::optional<LldpEvents> events_;
-   std::optional<EntityStreams> streams_;
+   std::optional<StoreApi> storeApi_;
    ApiResources resources_;
    ApiRequestRate rate_;
    std::optional<ApiServer> server_;
    std::optional<ApiServer> readServer_;
-   int signals_ = -1;
    Rex::Timer ready_;
    int turns_ = 0;
-   double startTime_ = 0;
 };
 
 }  // namespace Host

@@ -11,6 +11,7 @@ namespace Host {
 struct KnownPath {
    std::string path;
    std::string_view type;
+   bool agents;  // an agent writes it
 };
 
 // Those of both supervisors.

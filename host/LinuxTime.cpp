@@ -21,11 +21,22 @@ std::string bootId() {
    return id.empty() ? "unknown" : id;
 }
 
+double wallOffset() {
+   return seconds(CLOCK_REALTIME) - seconds(CLOCK_MONOTONIC);
+}
+
+std::string fileIn(const std::string& runDir) {
+   return runDir + "/time-anchor";
+}
+
 }  // namespace
 
 LinuxTime::LinuxTime(const std::string& runDir)
-    : offset_(timeAnchor(runDir + "/time-anchor", bootId(),
-                         seconds(CLOCK_REALTIME) - seconds(CLOCK_MONOTONIC))) {}
+    : offset_(timeAnchor(fileIn(runDir), bootId(), wallOffset())) {}
+
+LinuxTime LinuxTime::asOthersKeepIt(const std::string& runDir) {
+   return LinuxTime(standingAnchor(fileIn(runDir), bootId()).value_or(wallOffset()));
+}
 
 double LinuxTime::now() const {
    return offset_ + seconds(CLOCK_MONOTONIC);

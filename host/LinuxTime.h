@@ -11,9 +11,14 @@ class LinuxTime : public Rex::TimeSource {
  public:
    // Throws StartError.
    explicit LinuxTime(const std::string& runDir);
+   // The time that the processes of a folder keep, if one of this boot does and it can be read;
+   // else the wall clock as it is now. Writes nothing.
+   static LinuxTime asOthersKeepIt(const std::string& runDir);
    double now() const override;
 
  private:
+   explicit LinuxTime(double offset) : offset_(offset) {}
+
    double offset_;
 };
 

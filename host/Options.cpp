@@ -3,6 +3,7 @@
 #include <grp.h>
 
 #include <CLI/CLI.hpp>
+#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 
@@ -201,6 +202,7 @@ void declare(CLI::App& app, Options& options, Words& words) {
    once("--store-password-file", "FILE", words.storePasswordFile,
         "File whose first line is the password of that server, which then nobody sees in a list of "
         "processes");
+   app.add_flag("--gateway", options.gateway)->group("");  // hidden: `lldp --store` gives it
    often("--trace", "FACILITY=LEVELS", words.traces,
          "Traces to standard error: levels 0 to 9 with commas between, or all");
    once("--feeders", "LIST", words.feeders,
@@ -208,6 +210,15 @@ void declare(CLI::App& app, Options& options, Words& words) {
         "not, other agents or the API write");
    once("--module", "PATH", options.module,
         "The agent (default: liblldpagent.so of the program's folder or of ../lib)");
+}
+
+// A command that starts a gateway tells it the URL, which may hold a password, where no list of
+// processes shows it.
+std::optional<std::string> storeUrl(const CLI::App& app, bool gateway) {
+   const CLI::Option* option = app.get_option("--store");
+   if (option->count()) return option->as<std::string>();
+   const char* url = gateway ? getenv("LLDP_STORE") : nullptr;
+   return url ? std::optional<std::string>(url) : std::nullopt;
 }
 
 }  // namespace
@@ -239,8 +250,10 @@ std::optional<Options> Options::parse(int argc, const char* const* argv) {
    takeSockets(options, words.readGroup, words.writeGroup);
    if (!words.redundancy.empty()) options.redundancy = roles.at(words.redundancy);
    if (app.count("--config")) options.config = words.config;
-   takeStore(options, app.count("--store") ? std::optional(words.store) : std::nullopt,
-             words.storePasswordFile);
+   takeStore(options, storeUrl(app, options.gateway), words.storePasswordFile);
+   if (options.gateway && !options.store) {
+      throw StartError("--gateway: to which store? It needs --store");
+   }
    options.feeders = feedersOf(words.feeders);
    options.devices = {words.devices.begin(), words.devices.end()};
    checkFeeders(options);

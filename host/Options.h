@@ -29,6 +29,7 @@ struct Options {
    std::string stateDir = "/var/lib/lldp-agentd";
    std::optional<std::string> config;     // file of the operator's configuration; none: stateDir's
    std::optional<Redis::StoreUrl> store;  // shared with other processes; none: the embedded one
+   bool gateway = false;                  // serve that store alone, for a command
    std::vector<TraceSetting> trace;
    std::set<std::string> feeders;  // those that run, see Feeders::all()
    std::string module;             // empty: the one that belongs to the program

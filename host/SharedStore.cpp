@@ -56,7 +56,7 @@ void SharedStore::guardIs(const Redundancy::RedundancyStatus& status) {
    replica_.guardIs(guard);
 }
 
-void SharedStore::flush(double longest) {
+bool SharedStore::flush(double longest) {
    constexpr double step = 0.01;  // seconds between two looks
    Rex::Timer look(context_.clock());
    double end = context_.clock()->now() + longest;
@@ -66,6 +66,7 @@ void SharedStore::flush(double longest) {
    });
    look.timeMinIs(0);
    loop_.run(context_);
+   return replica_.idle();
 }
 
 Rex::Json SharedStore::describe() const {

@@ -32,7 +32,10 @@ class SharedStore {
    // after that; and nothing comes in.
    void freeze() { replica_.freeze(); }
    // Runs the loop until all that was written is in the store, but no longer than these seconds.
-   void flush(double longest);
+   // Returns whether it is.
+   bool flush(double longest);
+   // Whether the store answers.
+   bool isUp() const { return store_.up(); }
 
    // The URL without its password, and whether the store answers.
    Rex::Json describe() const;

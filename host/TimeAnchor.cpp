@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
+#include <fstream>
 #include <sstream>
 
 #include "host/StartError.h"
@@ -50,11 +51,9 @@ class LockedFile {
    int fd_;
 };
 
-}  // namespace
-
-double timeAnchor(const std::string& file, const std::string& bootId, double fresh) {
-   LockedFile kept(file);
-   std::istringstream in(kept.content());
+// The offset that a file of this boot holds.
+std::optional<double> offsetIn(const std::string& content, const std::string& bootId) {
+   std::istringstream in(content);
    std::string boot;
    double offset = 0;
    // The end tells a whole line from one that was cut short.
@@ -62,6 +61,20 @@ double timeAnchor(const std::string& file, const std::string& bootId, double fre
    if (in >> boot >> offset >> end && boot == bootId && end == "end" && std::isfinite(offset)) {
       return offset;
    }
+   return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<double> standingAnchor(const std::string& file, const std::string& bootId) {
+   std::string content;
+   std::getline(std::ifstream(file), content);
+   return offsetIn(content, bootId);
+}
+
+double timeAnchor(const std::string& file, const std::string& bootId, double fresh) {
+   LockedFile kept(file);
+   if (auto offset = offsetIn(kept.content(), bootId)) return *offset;
    kept.contentIs(fmt::format("{} {:.9f} end\n", bootId, fresh));
    return fresh;
 }

@@ -3,6 +3,7 @@
 // may be set later; the agent's time does not jump with it.
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace Host {
@@ -10,5 +11,8 @@ namespace Host {
 // The offset in seconds: of the file when it is of this boot, else `fresh`, which is written down.
 // Throws StartError when the file can be neither read nor written.
 double timeAnchor(const std::string& file, const std::string& bootId, double fresh);
+
+// The offset of the file, if it is of this boot and can be read.
+std::optional<double> standingAnchor(const std::string& file, const std::string& bootId);
 
 }  // namespace Host

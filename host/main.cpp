@@ -8,6 +8,7 @@
 #include <string>
 
 #include "host/Daemon.h"
+#include "host/Gateway.h"
 #include "host/Options.h"
 
 namespace {
@@ -28,6 +29,10 @@ int main(int argc, char** argv) {
    try {
       auto options = Host::Options::parse(argc, argv);
       if (!options) return 0;
+      if (options->gateway) {
+         Host::Gateway(*options).run();
+         return 0;
+      }
       daemon = std::make_unique<Host::Daemon>(*options);
       if (!daemon->start()) return 0;
    } catch (const std::exception& error) {

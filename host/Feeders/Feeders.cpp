@@ -65,7 +65,7 @@ void Feeders::startBridging() {
 // What is told of an interface needs its name.
 void Feeders::startIntfs() {
    auto& manager = *setup_.entityManager;
-   tables_.emplace(manager, setup_.chassis);
+   tables_.emplace(manager, setup_.chassis ? IntfTables::Of::both : IntfTables::Of::own);
    intfs_.emplace(*tables_);
    linksFeeder_.emplace(setup_.entityManager, network_.links, devices_, *tables_, *intfs_,
                         setup_.names, deviceIdentity);
@@ -84,11 +84,12 @@ void Feeders::checkDevices() const {
    }
 }
 
-std::set<std::string> Feeders::fedPaths() const {
+std::set<std::string> Feeders::fedPaths(const std::set<std::string>& enabled, bool chassis) {
+   auto feeds = [&enabled](const char* feeder) { return enabled.contains(feeder); };
    std::set<std::string> paths;
    if (feeds(bridging)) paths.merge(BridgingFeeder::fedPaths());
    if (feeds(links)) {
-      paths.merge(IntfTables::fedPaths(setup_.chassis));
+      paths.merge(IntfTables::fedPaths(chassis));
       paths.merge(LinksFeeder::fedPaths());
       if (feeds(addresses)) paths.merge(AddressFeeder::fedPaths());
    }

@@ -56,7 +56,8 @@ class Feeders {
    void activeIs();
 
    // The store's paths that the enabled feeders write, and nobody else.
-   std::set<std::string> fedPaths() const;
+   std::set<std::string> fedPaths() const { return fedPaths(setup_.enabled, setup_.chassis); }
+   static std::set<std::string> fedPaths(const std::set<std::string>& enabled, bool chassis);
    // The ports, by name, each with its device.
    std::map<Wirekit::IntfId, std::string> ports() const;
 

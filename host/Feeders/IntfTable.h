@@ -34,18 +34,23 @@ void rowDel(Dir& dir, const Wirekit::IntfId& intfId) {
    }
 }
 
+// Whose rows a directory holds. Those of `both` supervisors stand in the store, where there are
+// two; those of `others` alone are for a process that feeds none.
+enum class IntfTableOf { own, both, others };
+
 template <class Dir, class Row>
 class IntfTable : public Rex::StateMachine {
  public:
    // `path`: of the agent's directory, which no other process sees. `shared`: the name of the
-   // directory of each supervisor that does; empty where there is only one.
-   IntfTable(Statestore::EntityManager& manager, std::string_view path, const std::string& shared)
-       : dir_(localFedEntity<Dir>(manager, path)) {
-      if (shared.empty()) return;
+   // directory of each supervisor that others see.
+   IntfTable(Statestore::EntityManager& manager, std::string_view path, const char* shared,
+             IntfTableOf whose)
+       : dir_(localFedEntity<Dir>(manager, path)), whose_(whose) {
+      if (whose == IntfTableOf::own) return;
       own_ = fedEntity<Rex::Dir>(manager, Cell::path(shared, 0).view());
       peer_ = fedEntity<Rex::Dir>(manager, Cell::path(shared, 3 - Cell::cellId()).view());
-      on(peer_, Rex::Dir::entityPtrAttr, &IntfTable::handlePeer);
-      for (auto [name, entity] : peer_->entityPtr()) handlePeer(name);
+      follow(peer_);
+      if (whose == IntfTableOf::others) follow(own_);
    }
 
    // This supervisor's row, or null.
@@ -88,14 +93,21 @@ class IntfTable : public Rex::StateMachine {
       auto row = dir ? Rex::dynamicPtr<Row>(dir->entityPtr(intfId.stringValue())) : nullptr;
       return row && row->intfId() == intfId ? row : nullptr;
    }
-   void handlePeer(const Rex::String& name) {
+   void follow(const Rex::Dir::Ptr& shared) {
+      on(shared, Rex::Dir::entityPtrAttr, &IntfTable::handleEntry);
+      for (auto [name, entity] : shared->entityPtr()) handleEntry(name);
+   }
+   void handleEntry(const Rex::String& name) {
       Wirekit::IntfId intfId(name);
       if (rows_.contains(intfId)) return;
       Host::rowDel(*dir_, intfId);
-      if (auto row = standing(peer_, intfId)) Host::rowIs(*dir_, row);
+      auto row = whose_ == IntfTableOf::others ? standing(own_, intfId) : nullptr;
+      if (!row) row = standing(peer_, intfId);
+      if (row) Host::rowIs(*dir_, row);
    }
 
    const typename Dir::Ptr dir_;
+   const IntfTableOf whose_;
    Rex::Dir::Ptr own_, peer_;  // null where there is only one supervisor
    std::map<Wirekit::IntfId, Rex::Ptr<Row>> rows_;
 };

@@ -19,10 +19,10 @@ Rex::String localPath() {
 
 }  // namespace
 
-IntfTables::IntfTables(Statestore::EntityManager& manager, bool chassis)
+IntfTables::IntfTables(Statestore::EntityManager& manager, Of whose)
     : local_(localFedEntity<Interface::AllIntfStatusLocalDir>(manager, localPath().view())) {
    auto make = [&](auto& table, const Path& path) {
-      table.make(manager, path.agents, chassis ? path.shared : "");
+      table.make(manager, path.agents, path.shared, whose);
    };
    make(status_, statusPath);
    make(config_, configPath);

@@ -14,8 +14,8 @@ namespace Host {
 
 class IntfTables {
  public:
-   // `chassis`: there is another supervisor, whose interfaces stand in the store as ours do.
-   explicit IntfTables(Statestore::EntityManager& manager, bool chassis = false);
+   using Of = IntfTableOf;
+   explicit IntfTables(Statestore::EntityManager& manager, Of whose = Of::own);
 
    // The paths that nobody else writes. The description in an interface's configuration is not
    // among them: it is the operator's too, and the later word counts.

@@ -93,7 +93,10 @@ void LldpEvents::handleLog(const Rex::LogEvent& event) {
    reasonReaction_ = Rex::Dispatcher::reaction;
 }
 
-const char* LldpEvents::goneReason() const {
+const char* LldpEvents::goneReason(bool own) const {
+   if (!besideAgent_) return "byAgent";
+   // Why the other supervisor lets go of a neighbour stands in its own log.
+   if (!own) return "otherSupervisor";
    bool logged = reason_ && reasonReaction_ == Rex::Dispatcher::reaction;
    return logged ? reason_ : "portLost";
 }

@@ -18,8 +18,9 @@ namespace Host {
 
 class LldpEvents {
  public:
-   explicit LldpEvents(Rex::Ptr<Statestore::EntityManager> entityManager)
-       : entityManager_(std::move(entityManager)) {}
+   // `besideAgent`: the agent is in this process, and so its log tells why neighbours go.
+   explicit LldpEvents(Rex::Ptr<Statestore::EntityManager> entityManager, bool besideAgent = true)
+       : entityManager_(std::move(entityManager)), besideAgent_(besideAgent) {}
 
    void serveIn(ApiResources& resources);
    // Events go to the stream for as long as what is returned is held; `standing` begins with what
@@ -30,8 +31,8 @@ class LldpEvents {
    // For the machines: tells every listener. `data` gets the time ahead of it.
    void tell(const char* event, const Rex::Json& data);
    bool heard() const { return !listeners_.empty(); }
-   // Why neighbours go in the present reaction.
-   const char* goneReason() const;
+   // Why a neighbour goes in the present reaction; `own`: of the agent in this process.
+   const char* goneReason(bool own) const;
 
  private:
    struct Listener;
@@ -42,6 +43,7 @@ class LldpEvents {
    void handleLog(const Rex::LogEvent& event);
 
    const Rex::Ptr<Statestore::EntityManager> entityManager_;
+   const bool besideAgent_;
    std::vector<ApiStream*> listeners_;
    uint64_t lastId_ = 0;
    std::optional<LogTap> logTap_;

@@ -61,8 +61,7 @@ void NeighborSm::tellChanged() {
 
 void NeighborSm::tellGone() const {
    Rex::Json gone = data();
-   // Why the other supervisor lets go of a neighbour stands in its own log.
-   gone["reason"] = own_ ? parent_.events().goneReason() : "otherSupervisor";
+   gone["reason"] = parent_.events().goneReason(own_);
    parent_.events().tell("neighbor-gone", gone);
 }
 

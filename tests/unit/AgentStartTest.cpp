@@ -1,6 +1,7 @@
 // How an agent begins: what it mounts, its ring trace, and the entry points of the module.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 
@@ -8,6 +9,7 @@
 #include "Lldp/LldpAgent/Agent.h"
 #include "Rex/EntityType.h"
 #include "RingLog/RingLog.h"
+#include "host/KnownPaths.h"
 #include "support/TestContext.h"
 #include "unit/HostFeedersFolder.h"
 
@@ -69,11 +71,17 @@ TEST_F(AgentStart, MountsByTheTable) {
        {"interface/status/eth/lag", "Interface::EthLagIntfStatusDir", ""},
        {"kni/ns/default/status", "KernelNetInfo::Status", ""},
    };
+   const auto all = Host::knownPaths();
    for (const auto& c : cases) {
       auto entity = agent->entityManager()->getEntity(c.path);
       ASSERT_TRUE(entity) << c.path;
       EXPECT_EQ(entity->entityType().name(), c.type);
       EXPECT_EQ(agent->entityManager()->mountFlags(c.path), c.flags) << c.path;
+      if (!*c.flags) continue;  // the agent's alone
+      auto known = std::ranges::find(all, c.path, &Host::KnownPath::path);
+      ASSERT_NE(known, all.end()) << c.path << " is not read from a shared store";
+      EXPECT_EQ(known->type, c.type);
+      EXPECT_EQ(known->agents, c.flags[0] == 'w') << c.path;
    }
    doCleanup(agent.get());
 }

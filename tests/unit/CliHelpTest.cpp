@@ -68,6 +68,25 @@ TEST(CliHelp, TheManualPageIsSoundRoff) {
    EXPECT_FALSE(entry);
 }
 
+TEST(CliStore, StandsInsteadOfASocket) {
+   CliDone both = cliRun({"show", "config", "--socket", "a", "--store", "unix:/s"});
+   EXPECT_EQ(both.status, 2);
+   EXPECT_THAT(both.err, HasSubstr("--socket"));
+   for (const auto& words : std::vector<std::vector<std::string>>{{"config", "save"}, {"trace"}}) {
+      std::ostringstream out;
+      std::ostringstream err;
+      LldpCli::Session session{out};
+      session.store.url = "unix:/of/the/environment";
+      EXPECT_EQ(LldpCli::runCommandLine(words, session, err), 1) << "nothing is started";
+      EXPECT_THAT(err.str(), HasSubstr("one agent"));
+      err.str("");
+      auto named = words;
+      named.insert(named.begin(), {"--socket", "no.sock"});
+      EXPECT_EQ(LldpCli::runCommandLine(named, session, err), 1);
+      EXPECT_THAT(err.str(), HasSubstr("no agent answers at no.sock"));
+   }
+}
+
 class CliCompletion : public testing::Test {
  protected:
    CliCompletion() {
@@ -93,7 +112,8 @@ TEST_F(CliCompletion, OffersWhatMayFollow) {
        {{"show", "n"}, {"neighbors"}},
        {{"show", "neighbors", ""}, {"detail", "Ethernet2", "Ethernet10"}},
        {{"show", "neighbors", "Ethernet2", ""}, {"detail"}},
-       {{"show", "neighbors", "--"}, {"--help", "--json", "--socket"}},
+       {{"show", "neighbors", "--"},
+        {"--help", "--json", "--socket", "--store", "--store-password-file"}},
        {{"watch", "--standing", "Ethernet1"}, {"Ethernet10"}},
        {{"set", "int"}, {"interval"}},
        {{"set", "interval", ""}, {}},
@@ -113,6 +133,7 @@ TEST_F(CliCompletion, OffersWhatMayFollow) {
        {{"debug", "redundancy", ""}, {"active", "standby", "none", "1", "2"}},
        {{"debug", "redundancy", "2", "st"}, {"standby"}},
        {{"show", "local", "--socket", ""}, {}},
+       {{"show", "--store", "unix:/s", "lo"}, {"local"}},
        {{"nonsense", ""}, complete({""})},
    };
    for (const auto& [words, found] : cases) {

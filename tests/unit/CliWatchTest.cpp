@@ -156,11 +156,12 @@ TEST(CliBusyAgent, IsAskedOnceMore) {
    agent.start();
    std::vector<long> pauses;
    LldpCli::Client client(agent.socketPath(),
-                          {std::chrono::seconds(10),
-                           [&](std::chrono::seconds time) { pauses.push_back(time.count()); }});
+                          {std::chrono::seconds(10), [&](std::chrono::milliseconds time) {
+                              pauses.push_back(time.count());
+                           }});
    EXPECT_EQ(client.get("/v1/config"), Json::object());
    EXPECT_THROW(client.get("/v1/paths"), LldpCli::Failure);
-   EXPECT_THAT(pauses, testing::ElementsAre(3, 10));
+   EXPECT_THAT(pauses, testing::ElementsAre(3000, 10000));
    EXPECT_EQ(agent.requests().size(), 4u);
 }
 

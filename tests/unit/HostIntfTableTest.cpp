@@ -13,11 +13,12 @@ using Wirekit::IntfId;
 class IntfTableTest : public testing::Test {
  protected:
    struct Cell {
-      Cell(int number, const std::shared_ptr<Statestore::Tree>& tree) {
+      Cell(int number, const std::shared_ptr<Statestore::Tree>& tree,
+           IntfTables::Of whose = IntfTables::Of::both) {
          context.context().cellId = number;
          context.context().serviceIs<Statestore::Tree>(tree);
          manager = Rex::make<Statestore::EntityManager>();
-         tables.emplace(*manager, true);
+         tables.emplace(*manager, whose);
          dir = Rex::dynamicPtr<Interface::AllEthPhyIntfStatusDir>(
              manager->getEntity("interface/status/eth/phy/all"));
       }
@@ -52,6 +53,16 @@ TEST_F(IntfTableTest, eachSeesBothAndItsOwnFirst) {
    EXPECT_EQ(one.seen("Ethernet1"), 1512) << "the other one's is left";
    two.tables->phy().rowDel(IntfId("Ethernet1"));
    EXPECT_EQ(one.seen("Ethernet1"), 0);
+   two.portIs("Ethernet2", 1522);
+   Cell watcher{1, tree, IntfTables::Of::others};
+   EXPECT_EQ(watcher.seen("Management1/1"), 1501);
+   EXPECT_EQ(watcher.seen("Ethernet2"), 1522);
+   one.portIs("Ethernet2", 1521);
+   EXPECT_EQ(watcher.seen("Ethernet2"), 1521);
+   one.tables->phy().rowDel(IntfId("Ethernet2"));
+   EXPECT_EQ(watcher.seen("Ethernet2"), 1522);
+   two.tables->phy().rowDel(IntfId("Ethernet2"));
+   EXPECT_EQ(watcher.seen("Ethernet2"), 0);
    // What somebody else writes there is no interface.
    auto dir = Rex::dynamicPtr<Rex::Dir>(one.manager->getEntity("cell/2/host/ethPhyIntfStatus"));
    dir->entityPtrIs("Ethernet7", Rex::make<Rex::Dir>());

@@ -60,6 +60,12 @@ TEST(HostOptions, ThePasswordOfTheStoreComesFromAFile) {
    auto options = parse({"--store", "unix:/s?database=2", "--store-password-file", file.c_str()});
    EXPECT_EQ(options->store->text(), "unix:/s?database=2");
    EXPECT_EQ(options->store->password, "secret");
+   EXPECT_FALSE(options->gateway);
+   setenv("LLDP_STORE", "unix:/of/a/command", 1);
+   EXPECT_FALSE(parse({})->store);
+   EXPECT_EQ(parse({"--gateway"})->store->text(), "unix:/of/a/command");
+   EXPECT_EQ(parse({"--gateway", "--store", "unix:/s"})->store->text(), "unix:/s");
+   unsetenv("LLDP_STORE");
    EXPECT_THAT(refusal<Host::StartError>([&] {
                   parse({"--store", "redis://:x@h", "--store-password-file", file.c_str()});
                }),
@@ -94,6 +100,7 @@ TEST(HostOptions, AWrongOneIsNamedInOneLine) {
        {{"--store", "redis://:secret%@h"}, {"--store", "%25"}},
        {{"--store", "unix:/s", "--store-password-file", "none"}, {"none", "no such file"}},
        {{"--store-password-file", "x"}, {"--store-password-file", "needs --store"}},
+       {{"--gateway"}, {"--gateway", "needs --store"}},
        {{"--write-group", "no such"}, {"--write-group", "no such", "no group"}},
        {{"--read-group", "no such"}, {"--read-group", "no such", "no group"}},
        {{"--read-socket", "x"}, {"--read-socket x", "--read-group"}},
@@ -111,6 +118,9 @@ TEST(HostTimeAnchor, StandsForOneBoot) {
    const std::string file = folder.path + "/anchor";
    EXPECT_EQ(Host::timeAnchor(file, "boot-1", 1000.25), 1000.25);
    EXPECT_EQ(Host::timeAnchor(file, "boot-1", 9999), 1000.25) << "a restart of the same boot";
+   EXPECT_EQ(Host::standingAnchor(file, "boot-1"), 1000.25);
+   EXPECT_EQ(Host::standingAnchor(file, "boot-2"), std::nullopt);
+   EXPECT_EQ(Host::standingAnchor(folder.path + "/none", "boot-1"), std::nullopt);
    EXPECT_EQ(Host::timeAnchor(file, "boot-2", 2000), 2000);
    EXPECT_EQ(Host::timeAnchor(file, "boot-1", 3000), 3000) << "the earlier boot is forgotten";
    EXPECT_THROW(Host::timeAnchor(folder.path + "/no/such", "boot-1", 1), Host::StartError);
