@@ -138,7 +138,9 @@ void Replica::handleUp() {
    up_ = true;
    busy_ = false;
    news_ = true;
-   // What was asked and not answered may have been done.
+   // What was asked and not answered may have been done; what was done, the store may have lost
+   // again, if it began anew with older data.
+   if (flight_ && flight_->state == Flight::State::made) flight_->state = Flight::State::sent;
    step();
 }
 
@@ -243,6 +245,12 @@ void Replica::handleLoaded(const std::vector<std::string>& paths, Snapshot snaps
       if (RowSm* row = roots_.at(path).row.get().get()) {
          row->loadedIs(true);
          row->aheadIs(ahead);
+         // What is required may have been taken away unheard, and is not to be claimed back.
+         const auto& type = row->entity()->entityType();
+         const bool guards = guard_ && path == guard_->row;
+         if (const auto* member = guards ? type.member(guard_->field) : nullptr) {
+            row->authoredIs(*member, false);
+         }
       }
    }
    const RowImages images(std::move(snapshot));
@@ -313,12 +321,14 @@ void Replica::apply(const Change& change) {
 void Replica::send() {
    busy_ = true;
    flight_->state = Flight::State::sent;
+   // What writes the required value itself cannot require that it stands.
+   const bool guards = guard_ && !flight_->covers(guard_->row, guard_->field);
    Operations guarded;
-   if (guard_) {
+   if (guards) {
       guarded.push_back(*guard_);
       guarded.insert(guarded.end(), flight_->operations.begin(), flight_->operations.end());
    }
-   const Operations& operations = guard_ ? guarded : flight_->operations;
+   const Operations& operations = guards ? guarded : flight_->operations;
    store_.change(life_, writer_, flight_->number, operations, [this](ChangeResult result) {
       busy_ = false;
       if (detached_) return;

@@ -123,6 +123,13 @@ void SimulatedStore::empty() {
    }
 }
 
+void SimulatedStore::restart(Kept kept) {
+   rows_ = std::move(kept.rows);
+   roots_ = std::move(kept.roots);
+   changes_ = std::move(kept.changes);
+   life_ = std::move(kept.life);
+}
+
 void SimulatedStore::trim(size_t stay) {
    while (changes_.size() > stay) changes_.pop_front();
 }
