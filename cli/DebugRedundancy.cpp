@@ -26,6 +26,9 @@ constexpr auto roles = std::to_array<Role>({
     {"standby", "protocolHotStandby", "modeStandby"},
     {"none", "protocolNone", "modeUnknown"},
 });
+constexpr const Role& activeRole = roles[0];
+constexpr const Role& standbyRole = roles[1];
+const std::string entities = "/v1/entity/";
 const std::array<std::string, 2> cells = {"1", "2"};
 
 struct Options {
@@ -34,7 +37,7 @@ struct Options {
 };
 
 std::string pathOf(const std::string& cell) {
-   return fmt::format("/v1/entity/cell/{}/redundancy/status", cell);
+   return fmt::format("cell/{}/redundancy/status", cell);
 }
 
 bool isCell(const std::string& word) {
@@ -49,7 +52,20 @@ const Role& roleOf(const std::string& word) {
        fmt::format("ROLE: expected active, standby or none, got '{}'", Rex::printable(word)));
 }
 
-// Without a number it is the agent's own cell.
+Json changeOf(const std::string& cell, const Role& role) {
+   return {{"method", "PATCH"},
+           {"path", pathOf(cell)},
+           {"body", {{"protocol", role.protocol}, {"mode", role.mode}}}};
+}
+
+// Under no other protocol does a supervisor wait for its turn.
+bool isActive(const Json& status) {
+   return text(status.at("protocol")) != activeRole.protocol ||
+          text(status.at("mode")) == activeRole.mode;
+}
+
+// Without a number it is the agent's own cell. The other supervisor steps back first, and all of it
+// is one change: two active ones would write the same state.
 void set(const Options& options, Session& session) {
    const auto& words = options.words;
    if (words.size() > 1 && !isCell(words[0])) {
@@ -58,7 +74,14 @@ void set(const Options& options, Session& session) {
    const Role& role = roleOf(words.back());
    Agent agent(session);
    std::string cell = words.size() > 1 ? words[0] : std::to_string(agent.cell());
-   agent.client().change("PATCH", pathOf(cell), {{"protocol", role.protocol}, {"mode", role.mode}});
+   Json changes = Json::array();
+   if (&role == &activeRole) {
+      const std::string& other = cells[cell == cells[0] ? 1 : 0];
+      auto status = agent.client().find(entities + pathOf(other));
+      if (status && isActive(*status)) changes.push_back(changeOf(other, standbyRole));
+   }
+   changes.push_back(changeOf(cell, role));
+   agent.client().change("POST", "/v1/changes", {{"changes", changes}});
    if (options.json) session.out << "{}\n";
 }
 
@@ -66,7 +89,7 @@ void show(const Options& options, Session& session) {
    Agent agent(session);
    Json list = Json::array();
    for (const std::string& cell : cells) {
-      auto status = agent.client().find(pathOf(cell));
+      auto status = agent.client().find(entities + pathOf(cell));
       if (!status) continue;
       list.push_back({{"cell", std::stoi(cell)},
                       {"protocol", text(status->at("protocol"))},

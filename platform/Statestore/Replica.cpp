@@ -143,7 +143,9 @@ void Replica::handleUp() {
    up_ = true;
    busy_ = false;
    news_ = true;
-   // What was asked and not answered may have been done.
+   // What was asked and not answered may have been done; what was done, the store may have lost
+   // again, if it began anew with older data.
+   if (flight_ && flight_->state == Flight::State::made) flight_->state = Flight::State::sent;
    step();
 }
 
@@ -263,7 +265,8 @@ void Replica::handleLoaded(const std::vector<std::string>& paths, bool all, Snap
          root.row.reset();
          continue;
       }
-      if (yields_.contains(path)) root.row.get()->authoredNothing();
+      if (yields_.contains(path) || (guard_ && path == guard_->row))
+         root.row.get()->authoredNothing();
       Reconcile(table_, treeWriter_, images, restore, removed).root(*root.row.get());
    }
    treeWriter_.settle();

@@ -123,10 +123,15 @@ class Agent:
         self.command = namespace.command(*words, *options, *devices, hostname=hostname)
         self.process = None
 
-    def start(self, timeout=10, stderr=subprocess.STDOUT):
+    def launch(self, stderr=subprocess.STDOUT):
+        """Begins, and does not wait until it serves."""
         with open(self.log, "wb") as log:
             self.process = subprocess.Popen(self.command, stdin=subprocess.DEVNULL, stdout=log,
                                             stderr=stderr)
+        return self
+
+    def start(self, timeout=10, stderr=subprocess.STDOUT):
+        self.launch(stderr)
         assert eventually(self.serves, timeout), f"the agent does not serve:\n{self.words()}"
         return self
 
@@ -137,10 +142,23 @@ class Agent:
         except OSError:
             return False
 
+    def began(self):
+        """When it began, or began anew, by its own clock; 0 while it does not serve."""
+        try:
+            return request(self.socket, "GET", "/v1/agent")[1]["startTime"] if self.serves() else 0
+        except OSError:
+            return 0
+
     def stop(self):
         """Ends it in order and returns its exit status."""
         self.process.send_signal(signal.SIGTERM)
         return self.process.wait(10)
+
+    def kill(self):
+        """Sudden death, which is wanted."""
+        self.process.kill()
+        self.process.wait(10)
+        self.process = None
 
     def alive(self):
         return self.process.poll() is None

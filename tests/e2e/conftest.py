@@ -56,6 +56,9 @@ class Scene:
         self._undo.append(made.close)
         return made
 
+    def at_end(self, undo):
+        self._undo.append(undo)
+
     def watch(self, agent, *words):
         made = agent.watch(*words)
         self._undo.append(made.close)
@@ -119,6 +122,14 @@ class Pair:
         # With a device its address may go, and with that the chassis; the peer soon forgets it.
         self.agent.configure(messageTxInterval=1, messageTxHoldTime=3)
         self.peer = scene.peer(self.far, "eth1", *peer_options).start()
+
+
+@pytest.fixture(scope="module")
+def lasting_scene():
+    """One for all tests of a file."""
+    made = Scene()
+    yield made
+    made.close()
 
 
 @pytest.fixture

@@ -94,6 +94,9 @@ class Wire:
         # SO_RCVBUFFORCE: a burst sent to the agent is echoed to nobody, but its answers must fit.
         self._socket.setsockopt(socket.SOL_SOCKET, 33, struct.pack("i", 4 << 20))
 
+    def fileno(self):
+        return self._socket.fileno()
+
     def send(self, frame):
         self._socket.send(bytes(frame))
 

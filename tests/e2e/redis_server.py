@@ -15,10 +15,15 @@ class RedisServer:
         self.folder, self.socket, self.process = folder, folder / "redis.sock", None
         self.client = redis.Redis(unix_socket_path=str(self.socket), decode_responses=True)
 
-    def start(self):
+    def start(self, password=None):
+        """With a password that everybody has to know, if one is given."""
+        options = ["--requirepass", password] if password else []
+        if password:
+            self.client = redis.Redis(unix_socket_path=str(self.socket), password=password,
+                                      decode_responses=True)
         self.process = subprocess.Popen(
             ["redis-server", "--port", "0", "--unixsocket", str(self.socket), "--save", "",
-             "--dir", str(self.folder)], stdout=subprocess.DEVNULL)
+             "--dir", str(self.folder), *options], stdout=subprocess.DEVNULL)
         assert eventually(self._answers, 10)
 
     def stop(self):

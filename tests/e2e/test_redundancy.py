@@ -3,17 +3,15 @@
 import os
 import pathlib
 
-from agent import request
 from frames import frame
 from netns import eventually
 
 
 def told(agent, role):
     """Gives the agent a role that it cannot take up, and waits for the next one."""
-    before = request(agent.socket, "GET", "/v1/agent")[1]["startTime"]
+    before = agent.began()
     agent.lldp("debug", "redundancy", role)
-    assert eventually(lambda: agent.serves() and
-                      request(agent.socket, "GET", "/v1/agent")[1]["startTime"] > before, 10)
+    assert eventually(lambda: agent.began() > before, 10)
 
 
 def test_a_process_begins_anew_for_a_role_out_of_its_reach(bench):

@@ -122,6 +122,12 @@ void SimulatedStore::empty() {
    }
 }
 
+void SimulatedStore::restart(Kept kept) {
+   rows_ = std::move(kept.rows);
+   changes_ = std::move(kept.changes);
+   life_ = std::move(kept.life);
+}
+
 void SimulatedStore::trim(size_t stay) {
    while (changes_.size() > stay) changes_.pop_front();
 }

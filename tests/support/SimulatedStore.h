@@ -64,7 +64,6 @@ class SimulatedStore {
    void empty();
    // Only the newest changes stay in the list.
    void trim(size_t stay);
-
    bool refuses = false;  // every change
    size_t piece = 500;    // most changes in an answer
 
@@ -74,6 +73,15 @@ class SimulatedStore {
       Fields fields;
       bool operator==(const Row&) const = default;
    };
+   // What a server keeps in its file, and a restart with it, while no client is up.
+   struct Kept {
+      std::map<std::string, Row> rows;
+      std::deque<Statestore::Change> changes;
+      std::string life;
+   };
+   Kept kept() const { return {rows_, changes_, life_}; }
+   void restart(Kept kept);
+
    const std::map<std::string, Row>& rows() const { return rows_; }
    const std::deque<Statestore::Change>& changes() const { return changes_; }
 

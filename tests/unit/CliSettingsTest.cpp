@@ -225,28 +225,35 @@ TEST_F(CliSet, ShowConfigCanBePastedBack) {
              "# other/path: {\"x\":1}\n");
 }
 
+// Where one becomes active the other steps back first, in the same request.
 TEST_F(CliSet, RedundancyOfEitherSupervisor) {
-   const std::string active = R"({"protocol":"protocolHotStandby","mode":"modeActive"})";
-   for (const char* cell : {"1", "2"}) {
-      std::string target = std::string("/v1/entity/cell/") + cell + "/redundancy/status";
-      agent.answer("PATCH " + target, "204 No Content", "");
-      if (*cell == '1') agent.answer(target, "200 OK", active);
-   }
+   const std::string active = R"("protocol":"protocolHotStandby","mode":"modeActive")";
+   const std::string standby = R"("protocol":"protocolHotStandby","mode":"modeStandby")";
+   const std::string none = R"("protocol":"protocolNone","mode":"modeUnknown")";
+   agent.answer("/v1/entity/cell/1/redundancy/status", "200 OK", "{" + active + "}");
+   agent.answerOnce("/v1/entity/cell/2/redundancy/status", "200 OK", "{" + standby + "}");
+   agent.answer("/v1/entity/cell/2/redundancy/status", "200 OK", "{" + none + "}");
+   agent.answer("POST /v1/changes", "204 No Content", "");
    agent.start();
-   const std::vector<std::pair<std::vector<std::string>, std::string>> sent{
-       {{"active"}, "PATCH /v1/entity/cell/1/redundancy/status " + active},
-       {{"2", "standby"},
-        R"(PATCH /v1/entity/cell/2/redundancy/status {"protocol":"protocolHotStandby","mode":"modeStandby"})"},
-       {{"1", "none"},
-        R"(PATCH /v1/entity/cell/1/redundancy/status {"protocol":"protocolNone","mode":"modeUnknown"})"},
+   auto change = [](const std::string& cell, const std::string& body) {
+      return R"({"method":"PATCH","path":"cell/)" + cell + R"(/redundancy/status","body":{)" +
+             body + "}}";
    };
-   for (auto [words, request] : sent) {
+   const std::vector<std::pair<std::vector<std::string>, std::string>> sent{
+       {{"active"}, change("1", active)},
+       {{"active"}, change("2", standby) + "," + change("1", active)},
+       {{"2", "active"}, change("1", standby) + "," + change("2", active)},
+       {{"2", "standby"}, change("2", standby)},
+       {{"1", "none"}, change("1", none)},
+   };
+   for (auto [words, changes] : sent) {
       words.insert(words.begin(), {"debug", "redundancy"});
       EXPECT_EQ(run(words).status, 0);
-      EXPECT_EQ(agent.requests().back(), request);
+      EXPECT_EQ(agent.requests().back(), "POST /v1/changes {\"changes\":[" + changes + "]}");
    }
    EXPECT_EQ(run({"debug", "redundancy"}).out,
-             "Cell  Protocol            Mode\n   1  protocolHotStandby  modeActive\n");
+             "Cell  Protocol            Mode\n   1  protocolHotStandby  modeActive\n"
+             "   2  protocolNone        modeUnknown\n");
    EXPECT_EQ(run({"debug", "redundancy", "3", "active"}).status, 2);
    EXPECT_THAT(run({"debug", "redundancy", "2"}).err, HasSubstr("ROLE: expected active, standby"));
 }

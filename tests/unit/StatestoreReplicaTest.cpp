@@ -176,6 +176,28 @@ TEST_F(StatestoreReplicaTest, AWriterThatLosesItsConnectionGoesOnWhereItWas) {
    }
 }
 
+// The store took it, and was restarted with what its file had from before.
+TEST_F(StatestoreReplicaTest, AChangeThatTheStoreForgotIsSentAgain) {
+   auto ours = a.at<Lldp::Status>("status"), theirs = b.at<Lldp::Status>("status");
+   ours->remTablesInsertsIs(1);
+   settle();
+   const auto kept = store.kept();
+   ours->remTablesInsertsIs(2);
+   clock->runDue();
+   ASSERT_TRUE(a.client.serve());
+   while (a.client.hear()) {
+   }
+   a.client.cut(false);
+   b.client.cut(false);
+   store.restart(kept);
+   ours->remTablesDropsIs(3);
+   a.client.connect();
+   b.client.connect();
+   settle();
+   EXPECT_EQ(theirs->remTablesInserts(), 2u);
+   EXPECT_EQ(theirs->remTablesDrops(), 3u);
+}
+
 TEST_F(StatestoreReplicaTest, AReaderThatMissedTooMuchAndAnEmptiedStoreAreBroughtTogether) {
    auto ours = a.at<Lldp::Status>("status"), theirs = b.at<Lldp::Status>("status");
    addPort(*ours, 1);
@@ -201,6 +223,34 @@ TEST_F(StatestoreReplicaTest, AReaderThatMissedTooMuchAndAnEmptiedStoreAreBrough
    ours->remTablesInsertsInc(1);
    settle();
    EXPECT_EQ(theirs->remTablesInserts(), 0u);
+}
+
+TEST_F(StatestoreReplicaTest, WhatAWriterHasToHoldIsTakenAndNotClaimedBack) {
+   auto ours = a.at<Lldp::Status>("role"), theirs = b.at<Lldp::Status>("role");
+   theirs->remTablesDropsIs(2);
+   settle();
+   // Sent only when it is required already.
+   ours->remTablesInsertsIs(1);
+   clock->runDue();
+   ours->remTablesDropsIs(1);
+   a.replica->guardIs(
+       Statestore::Operation{Statestore::Operation::Kind::require, "role", "remTablesDrops", "1"});
+   settle();
+   EXPECT_EQ(theirs->remTablesDrops(), 1u);
+   // Taken away, and not to be read in the list of changes.
+   for (bool emptied : {false, true}) {
+      a.client.cut(false);
+      theirs->remTablesDropsIs(emptied ? 3 : 2);
+      ours->remTablesInsertsIs(2);
+      settle();
+      emptied ? store.empty() : store.trim(1);
+      settle();
+      a.client.connect();
+      settle();
+      EXPECT_EQ(ours->remTablesDrops(), theirs->remTablesDrops());
+      EXPECT_EQ(theirs->remTablesDrops(), emptied ? 3u : 2u);
+      EXPECT_EQ(theirs->remTablesInserts(), 1u);
+   }
 }
 
 TEST_F(StatestoreReplicaTest, AMountWaitsForTheStoreAndWhatWasWrittenMeanwhileStands) {
