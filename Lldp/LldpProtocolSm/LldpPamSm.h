@@ -1,6 +1,6 @@
 // The machine of one LLDP port: sends its LLDPDUs (LldpPamSmTx.cpp), takes those of its neighbours,
 // limits their rate and ages them out (LldpPamSmRx.cpp). One exists for each port that has packet
-// access, a configuration, a status and a physical interface status.
+// access, a configuration, a status, a physical interface status and a local port.
 #pragma once
 
 #include <cstdint>

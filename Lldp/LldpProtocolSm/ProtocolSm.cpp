@@ -54,13 +54,18 @@ void ProtocolSm::handlePam(const Wirekit::IntfId& intfId) {
    auto portConfig = config()->portConfig(intfId);
    auto portStatus = status()->portStatus(intfId);
    auto ethPhyIntfStatus = ethPhyIntfStatusDir()->intfStatus(intfId);
-   bool complete = pam && portConfig && portStatus && ethPhyIntfStatus;
+   // Rows that another process makes come and go in any order; the machine needs this one too.
+   auto localPort = localSystem()->localPort(intfId);
+   bool complete = pam && portConfig && portStatus && ethPhyIntfStatus && localPort;
 
    if (auto sm = lldpPamSm(intfId)) {
-      // One reaction may add several of the four. The first one reported made the machine, which
-      // is none of the others' concern. It may also replace one of the four under its key: that is
-      // the loss of what the machine stands on.
-      if (complete && sm->standsOn(pam, portConfig, portStatus, ethPhyIntfStatus)) return;
+      // One reaction may add several of these. The first one reported made the machine, which is
+      // none of the others' concern. It may also replace one of them under its key: that is the
+      // loss of what the machine stands on.
+      if (complete && sm->standsOn(pam, portConfig, portStatus, ethPhyIntfStatus) &&
+          sm->localPort() == localPort) {
+         return;
+      }
       lldpPamSmDel(intfId);
    }
    if (!complete) return;
@@ -83,6 +88,7 @@ void ProtocolSm::handleLocalPort(const Wirekit::IntfId& intfId) {
       REX_ASSERT(localPortSmHas(intfId));
       localPortSmDel(intfId);
    }
+   handlePam(intfId);
 }
 
 void ProtocolSm::handleLocalSystemAttrs() {

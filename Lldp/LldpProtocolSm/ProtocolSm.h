@@ -1,5 +1,5 @@
 // The registry of ports. A port has an LldpPamSm exactly while it has packet access, a
-// configuration, a status and a physical interface status.
+// configuration, a status, a physical interface status and a local port.
 #pragma once
 
 #include "Interface/EthDevPamCollection.h"

@@ -44,8 +44,28 @@ void RowSm::allStatesIs(State state) {
    for (auto [field, row] : children_.all()) row->allStatesIs(state);
 }
 
+bool RowSm::authored(const Rex::Member& member) const {
+   if (!(authored_ & bit(member))) return false;
+   return changed_ & bit(member) || !isDefault(member);
+}
+
 void RowSm::authoredIs(const Rex::Member& member, bool authored) {
-   authored_ = authored ? authored_ | bit(member) : authored_ & ~bit(member);
+   if (authored) {
+      authored_ |= bit(member);
+      changed_ |= bit(member);
+   } else {
+      authored_ &= ~bit(member);
+   }
+}
+
+bool RowSm::isDefault(const Rex::Member& member) const {
+   const Rex::EntityType& type = entity_->entityType();
+   std::vector<Rex::Json> keys;
+   for (const auto& key : type.members()) {
+      if (key->kind == Rex::MemberKind::key) keys.push_back(key->toJson(*entity_));
+   }
+   auto fresh = type.create(keys);
+   return fresh && Rex::memberToJson(member, *fresh, 0) == Rex::memberToJson(member, *entity_, 0);
 }
 
 void RowSm::handleAny(const Rex::Change& change) {
@@ -61,7 +81,11 @@ void RowSm::handleAny(const Rex::Change& change) {
       default:
          break;
    }
-   if (table_.applying.ended(*this, *member, change.key)) return;
+   if (table_.applying.ended(*this, *member, change.key)) {
+      // What was made here below it is known by itself.
+      if (member->kind == Rex::MemberKind::children) authoredIs(*member, false);
+      return;
+   }
    authoredIs(*member, true);
    // A fresh row goes out whole.
    if (state_ != State::fresh && root().loaded()) table_.note(*this, *member, change.key);

@@ -47,8 +47,9 @@ class RowSm : public Rex::StateMachine {
    // Whether the changes that are read now are news.
    bool isRead() const { return loaded_ && ahead_.empty(); }
 
-   // Whether this process was the last to write a member, and any.
-   bool authored(const Rex::Member& member) const { return authored_ & bit(member); }
+   // Whether this process was the last to write a member, and any. In a row that it made it wrote
+   // what is not as the type has it.
+   bool authored(const Rex::Member& member) const;
    bool authored() const { return authored_; }
    void authoredIs(const Rex::Member& member, bool authored);
    void authoredNothing() { authored_ = 0; }
@@ -59,6 +60,8 @@ class RowSm : public Rex::StateMachine {
    // Has the row stand that a place owns, or go; a new one is `fresh` as a rule. False when nothing
    // came or went that anybody wrote.
    bool follow(const Rex::Member& member, const std::string& key, State fresh);
+   // Whether a member is as it is when an entity of the type is made.
+   bool isDefault(const Rex::Member& member) const;
    void doClose() override;
    // As for the bits of what is watched: few members share one.
    static uint64_t bit(const Rex::Member& member) { return uint64_t{1} << (member.id & 63); }
@@ -70,7 +73,8 @@ class RowSm : public Rex::StateMachine {
    State state_;
    bool loaded_ = false;
    std::string ahead_;
-   uint64_t authored_ = 0;
+   uint64_t authored_ = 0;  // all of a row that was made here, until others write
+   uint64_t changed_ = 0;   // written here since the row stands
    Rex::OwnedMachines<RowSm, Rex::String> children_;  // by field
 };
 

@@ -34,7 +34,7 @@ class ProtocolSmTest : public testing::Test {
    Engine::Port port = engine.port("Ethernet1");
 };
 
-TEST_F(ProtocolSmTest, MachineStandsExactlyWhileTheFourSourcesDo) {
+TEST_F(ProtocolSmTest, MachineStandsExactlyWhileAllItsSourcesDo) {
    open();
    auto pam = engine.pam(port.intfId);
    auto pams = engine.root->pamCollection();
@@ -49,16 +49,19 @@ TEST_F(ProtocolSmTest, MachineStandsExactlyWhileTheFourSourcesDo) {
         [&] { engine.status->portStatusDel(port.intfId); }},
        {[&] { engine.ethPhyIntfStatusDir->intfStatusIs(port.ethPhyIntfStatus); },
         [&] { engine.ethPhyIntfStatusDir->intfStatusDel(port.intfId); }},
+       {[&] { port.localPort = engine.localSystem->localPortIs(port.intfId); },
+        [&] { engine.localSystem->localPortDel(port.intfId); }},
    };
    for (const auto& source : sources) source.remove();
    EXPECT_FALSE(sm());
-   std::vector<int> order = {0, 1, 2, 3};
+   std::vector<int> order = {0, 1, 2, 3, 4};
    do {
       for (int i : order) {
          EXPECT_FALSE(sm());
          sources[i].add();
       }
-      EXPECT_TRUE(sm());
+      ASSERT_TRUE(sm());
+      EXPECT_EQ(sm()->localPort(), port.localPort);
       // Away in another order, the first one taking the machine with it.
       std::rotate(order.begin(), order.begin() + 1, order.end());
       for (int i : order) {
@@ -102,6 +105,11 @@ TEST_F(ProtocolSmTest, SourceReplacedInOneReactionIsALossAndAReturn) {
            engine.status->portStatusDel(port.intfId);
            port.portStatus = engine.status->portStatusIs(port.intfId, 0.0);
         }},
+       {"localPort",
+        [&] {
+           engine.localSystem->localPortDel(port.intfId);
+           port.localPort = engine.localSystem->localPortIs(port.intfId);
+        }},
        {"ethPhyIntfStatus",
         [&] {
            port.ethPhyIntfStatus = Rex::make<Interface::EthPhyIntfStatus>(port.intfId);
@@ -119,6 +127,7 @@ TEST_F(ProtocolSmTest, SourceReplacedInOneReactionIsALossAndAReturn) {
       ASSERT_TRUE(sm());
       EXPECT_EQ(sm()->portStatus(), port.portStatus);
       EXPECT_EQ(sm()->ethPhyIntfStatus(), port.ethPhyIntfStatus);
+      EXPECT_EQ(sm()->localPort(), port.localPort);
       EXPECT_EQ(engine.root->protocolSm()->localPortSm(port.intfId)->localPort(), port.localPort);
    }
 }

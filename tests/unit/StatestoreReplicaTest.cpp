@@ -253,6 +253,34 @@ TEST_F(StatestoreReplicaTest, WhatAWriterHasToHoldIsTakenAndNotClaimedBack) {
    }
 }
 
+TEST_F(StatestoreReplicaTest, WhoMadeARowDoesNotUndoAfterACutWhatAnotherWroteInIt) {
+   auto ourDir = a.at<Rex::Dir>("dir"), theirDir = b.at<Rex::Dir>("dir");
+   auto ours = Rex::make<Lldp::Status>();
+   ours->remTablesDropsIs(3);
+   ourDir->entityPtrIs("2", ours);
+   settle();
+   auto theirs = Rex::dynamicPtr<Lldp::Status>(theirDir->entityPtr("2"));
+   addPort(*theirs, 1);
+   settle();
+   a.client.cut(false);
+   theirs->portStatusDel(port(1));
+   addPort(*theirs, 1);
+   theirs->portStatus(port(1))->rxFramesTotalIs(7);
+   addPort(*theirs, 2);
+   theirs->remTablesInsertsIs(5);
+   theirs->remTablesDropsIs(9);
+   settle();
+   auto replaced = theirs->portStatus(port(1)), added = theirs->portStatus(port(2));
+   store.trim(1);
+   a.client.connect();
+   settle();
+   EXPECT_EQ(theirs->portStatus(port(1)), replaced);
+   EXPECT_EQ(theirs->portStatus(port(2)), added);
+   EXPECT_EQ(ours->remTablesInserts(), 5u);
+   EXPECT_EQ(theirs->remTablesDrops(), 3u) << "this the maker has written";
+   EXPECT_EQ(json(ours), json(theirs));
+}
+
 TEST_F(StatestoreReplicaTest, AMountWaitsForTheStoreAndWhatWasWrittenMeanwhileStands) {
    auto ours = a.at<Lldp::Config>("config");
    ours->txDelayIs(5);
