@@ -89,6 +89,7 @@ TlvParseResult parseMaximumFrameSize(int orgDefInfoLen, const char* orgDefInfo,
 bool addPowerViaMdi(char** cursor, char* end, const Lldp::LocalPort& localPort,
                     const Lldp::PortConfig::PtrConst& portConfig, char* info,
                     const Lldp::PortStatus::Ptr& portStatus) {
+   if (!localPort.localPortPoeInfo()) return true;
    const Lldp::LocalPortPoeInfo& poeInfo = *localPort.localPortPoeInfo();
    bool tlvReceived = portStatus->powerViaMdiTlvReceived();
    int length = poeInfo.readyToSendTlv() ? PoeUtils::buildPowerViaMdiTlv(info, poeInfo, tlvReceived)

@@ -106,8 +106,7 @@ void Daemon::startRedundancy() {
       restartAs_ = role;
       loop_.stop();
    };
-   redundancySm_.make(redundancyIn(manager, options_.redundancy),
-                      fedEntity<Rex::Dir>(manager, "l2discovery/lldp/status/local"),
+   redundancySm_.make(redundancyIn(manager, options_.redundancy), lldpStatusDirIn(manager),
                       RedundancySm::Reactions{[this] { activeIs(); }, restart});
 }
 

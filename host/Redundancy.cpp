@@ -6,6 +6,7 @@
 #include "Rex/Log.h"
 #include "Statestore/Cell.h"
 #include "host/Feeders/FedEntity.h"
+#include "model/Status.h"
 
 namespace Host {
 namespace {
@@ -14,8 +15,20 @@ constexpr const char* option = "--redundancy";
 
 const Rex::LogHandle roleLost(
     "LLDP_AGENT_RESTART", 5, "The LLDP agent of supervisor %s begins anew as %s",
-    "The supervisor was given a role that a running agent cannot take up.",
-    "Nothing, if the switchover was wanted.", 0, 1, 0);
+    "The supervisor was given a role that a running agent cannot take up, or the status that the "
+    "agent writes was removed from the state store.",
+    "Nothing, if the switchover was wanted, or the supervisor was taken out of the chassis and put "
+    "back.",
+    0, 1, 0);
+
+const Rex::LogHandle otherStatus(
+    "LLDP_STATUS_REPLACED", 4, "The LLDP status of supervisor %s was a %s and begins empty",
+    "The state store had something else where this supervisor's agent has its status.",
+    "Find out who wrote it.", 0, 1, 0);
+
+Rex::String ownEntry() {
+   return Rex::format("%d", Cell::cellId());
+}
 
 const char* nameOf(Role role) {
    return role == Role::active ? "active" : "standby";
@@ -36,11 +49,13 @@ RedundancySm::RedundancySm(Redundancy::RedundancyStatus::PtrConst redundancyStat
       reactions_(std::move(reactions)),
       beganAsStandby_(isStandby(*redundancyStatus_)),
       wasActive_(isActive()),
+      taken_(ownStatus()),
       settled_(context().clock()) {
    on(redundancyStatus_, Redundancy::RedundancyStatus::protocolAttr,
       &RedundancySm::handleRedundancyStatus);
    on(redundancyStatus_, Redundancy::RedundancyStatus::modeAttr,
       &RedundancySm::handleRedundancyStatus);
+   on(lldpStatusDir_, Rex::Dir::entityPtrAttr, &RedundancySm::handleLldpStatus);
    on(settled_, &RedundancySm::handleSettled);
 }
 
@@ -49,10 +64,17 @@ void RedundancySm::handleRedundancyStatus() {
    settled_.timeMinIs(0);
 }
 
+// A standby's agent takes its status as soon as it comes.
+void RedundancySm::handleLldpStatus(const Rex::String& cell) {
+   if (cell != ownEntry()) return;
+   if (!taken_) taken_ = ownStatus();
+   settled_.timeMinIs(0);
+}
+
 void RedundancySm::handleSettled() {
    if (restarting_) return;
    bool active = isActive();
-   if (active ? waits() : wasActive_) {
+   if (lostStatus() || (active ? waits() : wasActive_)) {
       restarting_ = true;
       Role role = active ? Role::active : Role::standby;
       Rex::log(roleLost, Cell::cellId(), nameOf(role));
@@ -69,7 +91,16 @@ bool RedundancySm::isActive() const {
 }
 
 bool RedundancySm::waits() const {
-   return beganAsStandby_ && !lldpStatusDir_->entityPtrHas(Rex::format("%d", Cell::cellId()));
+   return beganAsStandby_ && !ownStatus();
+}
+
+// Neither the agent nor who reads its neighbours would ever see that it writes where nobody looks.
+bool RedundancySm::lostStatus() const {
+   return taken_ && ownStatus() != taken_;
+}
+
+Rex::Ptr<const Rex::Entity> RedundancySm::ownStatus() const {
+   return lldpStatusDir_->entityPtr(ownEntry());
 }
 
 Redundancy::RedundancyStatus::Ptr redundancyIn(Statestore::EntityManager& manager,
@@ -78,8 +109,7 @@ Redundancy::RedundancyStatus::Ptr redundancyIn(Statestore::EntityManager& manage
       fedEntity<Redundancy::RedundancyStatus>(manager,
                                               Cell::path("redundancy/status", cell).view());
    }
-   fedEntity<Rex::Dir>(manager, "hardware/cellInfo")
-       ->createEntity(Rex::format("%d", Cell::cellId()), "Rex::Dir");
+   fedEntity<Rex::Dir>(manager, "hardware/cellInfo")->createEntity(ownEntry(), "Rex::Dir");
    auto own =
        fedEntity<Redundancy::RedundancyStatus>(manager, Cell::path("redundancy/status", 0).view());
    if (begin && own->protocol() == Redundancy::protocolUnknown) {
@@ -87,6 +117,17 @@ Redundancy::RedundancyStatus::Ptr redundancyIn(Statestore::EntityManager& manage
       own->protocolIs(Redundancy::protocolHotStandby);
    }
    return own;
+}
+
+// The active supervisor makes a status only when the cell comes, so that it is replaced here.
+Rex::Dir::Ptr lldpStatusDirIn(Statestore::EntityManager& manager) {
+   auto dir = fedEntity<Rex::Dir>(manager, "l2discovery/lldp/status/local");
+   auto found = dir->entityPtr(ownEntry());
+   if (found && !Rex::dynamicPtr<Lldp::Status>(found)) {
+      Rex::log(otherStatus, Cell::cellId(), Rex::String(found->entityType().name()));
+      dir->entityPtrIs(ownEntry(), Rex::make<Lldp::Status>());
+   }
+   return dir;
 }
 
 std::vector<std::string> restartArguments(std::vector<std::string> arguments, Role role) {

@@ -22,8 +22,9 @@ class RedundancySm : public Rex::StateMachine {
       // The agent is active.
       std::function<void()> activeIs;
       // Called once, when the agent
-      // - was active and no longer is to be, or
-      // - waits for the status that an active supervisor would make for it, and is to be active.
+      // - was active and no longer is to be,
+      // - waits for the status that an active supervisor would make for it, and is to be active, or
+      // - has taken its status, and in its place stands none or another one.
       std::function<void(Role)> restart;
    };
    RedundancySm(Redundancy::RedundancyStatus::PtrConst redundancyStatus,
@@ -34,8 +35,11 @@ class RedundancySm : public Rex::StateMachine {
 
  private:
    void handleRedundancyStatus();
+   void handleLldpStatus(const Rex::String& cell);
    void handleSettled();
    bool waits() const;
+   bool lostStatus() const;
+   Rex::Ptr<const Rex::Entity> ownStatus() const;
 
    const Redundancy::RedundancyStatus::PtrConst redundancyStatus_;
    const Rex::Dir::PtrConst lldpStatusDir_;
@@ -43,6 +47,8 @@ class RedundancySm : public Rex::StateMachine {
    const bool beganAsStandby_;
    bool wasActive_;
    bool restarting_ = false;
+   // This supervisor's status as the agent found it; null before.
+   Rex::Ptr<const Rex::Entity> taken_;
    Rex::Timer settled_;
 };
 
@@ -51,6 +57,10 @@ class RedundancySm : public Rex::StateMachine {
 // supervisor's.
 Redundancy::RedundancyStatus::Ptr redundancyIn(Statestore::EntityManager& manager,
                                                std::optional<Role> begin);
+
+// Where the status of each supervisor's agent stands, this one's fit for its agent to take: what is
+// of another type there is replaced.
+Rex::Dir::Ptr lldpStatusDirIn(Statestore::EntityManager& manager);
 
 // Runs the program anew in this process, with the arguments it has and the role. Returns only if
 // that cannot be, with errno set.

@@ -31,16 +31,6 @@ void as(const Rex::Json& json, const std::string& path) {
 constexpr const char* rankedForm =
     "an interface such as Loopback0 to 2100, Vlan1 to 4094 or Ethernet1";
 
-// One whose numbers give it a rank among the interfaces, or whose kind has none. The rank alone
-// knows no bound for VLANs.
-bool isRanked(const Wirekit::IntfId& intfId) {
-   if (Wirekit::VlanIntfId::isVlanIntfId(intfId)) {
-      uint32_t vlan = Wirekit::VlanIntfId::vlan(intfId);
-      return vlan >= 1 && vlan <= 4094;
-   }
-   return !Lldp::intfRank(intfId).fault;
-}
-
 void asRankedIntf(const Rex::Json& json, const std::string& path) {
    Wirekit::IntfId intfId;
    Rex::fromJson(json, intfId, path);
@@ -142,6 +132,15 @@ const Rows* rowsOf(const Rex::Member& collection) {
 }
 
 }  // namespace
+
+// The rank alone knows no bound for VLANs.
+bool isRanked(const Wirekit::IntfId& intfId) {
+   if (Wirekit::VlanIntfId::isVlanIntfId(intfId)) {
+      uint32_t vlan = Wirekit::VlanIntfId::vlan(intfId);
+      return vlan >= 1 && vlan <= 4094;
+   }
+   return !Lldp::intfRank(intfId).fault;
+}
 
 Rex::Member::Write decodeSettings(const Rex::EntityType& type, const Rex::Json& attributes,
                                   const std::string& path) {

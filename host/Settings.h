@@ -6,8 +6,13 @@
 #include <string_view>
 
 #include "Rex/EntityType.h"
+#include "Wirekit/IntfId.h"
 
 namespace Host {
+
+// Whether the agent can rank an interface, or one of its kind has no rank. An interface of which
+// this does not hold must not come to it.
+bool isRanked(const Wirekit::IntfId& intfId);
 
 // Reads and checks an object of attributes, as Rex::decodeEntity, and also against the ranges.
 // Throws Rex::JsonError, and then nothing has changed.

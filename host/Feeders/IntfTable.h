@@ -13,6 +13,7 @@
 #include "Statestore/Cell.h"
 #include "Wirekit/IntfId.h"
 #include "host/Feeders/FedEntity.h"
+#include "host/Settings.h"
 
 namespace Host {
 
@@ -88,10 +89,11 @@ class IntfTable : public Rex::StateMachine {
    }
 
  private:
-   // Null also for an entry that is something else: the directory is anybody's to write.
+   // Null also for an entry that is something else, or an interface that the agent must not see:
+   // the directory is anybody's to write.
    static Rex::Ptr<Row> standing(const Rex::Dir::Ptr& dir, const Wirekit::IntfId& intfId) {
       auto row = dir ? Rex::dynamicPtr<Row>(dir->entityPtr(intfId.stringValue())) : nullptr;
-      return row && row->intfId() == intfId ? row : nullptr;
+      return row && row->intfId() == intfId && isRanked(intfId) ? row : nullptr;
    }
    void follow(const Rex::Dir::Ptr& shared) {
       on(shared, Rex::Dir::entityPtrAttr, &IntfTable::handleEntry);

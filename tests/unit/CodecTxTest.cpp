@@ -213,6 +213,8 @@ TEST_F(CodecTx, PowerViaMdiByWhatIsKnown) {
    auto greedy = port.receive(mandatory(8) + request(0xFFFF));
    localPort->localPortPoeInfo()->remoteSystemIs(greedy);
    EXPECT_EQ(build(), head + organization(dot3, 2, octets("0701011003E7012C")) + endOfLldpdu());
+   localPort->localPortPoeInfoIs(nullptr);
+   EXPECT_EQ(build(), head + endOfLldpdu());
 }
 
 // What fits is there and nothing else is lost, whatever the room is. One of a chain that does not

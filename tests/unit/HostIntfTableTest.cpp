@@ -67,6 +67,7 @@ TEST_F(IntfTableTest, eachSeesBothAndItsOwnFirst) {
    auto dir = Rex::dynamicPtr<Rex::Dir>(one.manager->getEntity("cell/2/host/ethPhyIntfStatus"));
    dir->entityPtrIs("Ethernet7", Rex::make<Rex::Dir>());
    dir->entityPtrIs("Ethernet8", Rex::make<EthPhyIntfStatus>(IntfId("Ethernet9")));
+   dir->entityPtrIs("Ethernet999/1", Rex::make<EthPhyIntfStatus>(IntfId("Ethernet999/1")));
    EXPECT_EQ(one.dir->intfStatuss(), 1u);
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "host/Redundancy.h"
+#include "model/Status.h"
 #include "support/TestContext.h"
 
 using Host::Role;
@@ -73,6 +74,43 @@ TEST_F(RedundancyOfTheHost, AStandbyTakesOverInPlaceUnlessItWaits) {
    begin();
    roleIs(protocolNone, modeStandby);
    EXPECT_THAT(restarts, ElementsAre(Role::active)) << "nobody has made its status";
+}
+
+TEST_F(RedundancyOfTheHost, AnAgentWhoseStatusGoesOrIsAnotherBeginsAnewInItsRole) {
+   for (Role role : {Role::active, Role::standby}) {
+      for (bool returns : {false, true}) {
+         SCOPED_TRACE(returns ? "another one" : "gone");
+         statusDir->deleteEntity("1");
+         status = Host::redundancyIn(*manager, {});
+         roleIs(protocolHotStandby, role == Role::active ? modeActive : modeStandby);
+         restarts.clear();
+         begin();
+         statusDir->createEntity("1", "Lldp::Status");
+         statusDir->createEntity("2", "Lldp::Status");
+         context.settle();
+         statusDir->deleteEntity("2");
+         context.settle();
+         EXPECT_THAT(restarts, IsEmpty());
+         statusDir->deleteEntity("1");
+         if (returns) statusDir->createEntity("1", "Lldp::Status");
+         context.settle();
+         EXPECT_THAT(restarts, ElementsAre(role));
+         sm->close();
+      }
+   }
+}
+
+TEST_F(RedundancyOfTheHost, AStatusOfAnotherTypeIsReplaced) {
+   auto dir = Host::lldpStatusDirIn(*manager);
+   EXPECT_FALSE(dir->entityPtrHas("1"));
+   for (const char* type : {"Rex::Dir", "Lldp::Status"}) {
+      dir->createEntity("1", type);
+      auto found = dir->entityPtr("1");
+      EXPECT_EQ(Host::lldpStatusDirIn(*manager), dir);
+      EXPECT_TRUE(Rex::dynamicPtr<Lldp::Status>(dir->entityPtr("1"))) << type;
+      EXPECT_EQ(dir->entityPtr("1") == found, type == std::string_view("Lldp::Status"));
+      dir->deleteEntity("1");
+   }
 }
 
 TEST_F(RedundancyOfTheHost, WhatTheStoreSaysIsOlderThanTheOption) {
