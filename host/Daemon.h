@@ -44,6 +44,7 @@ class Daemon {
    void loadConfig();
    void startRedundancy();
    void startFeeders();
+   void guardStore();
    void activeIs();
    void openApi();
    void serveAll();

@@ -5,7 +5,6 @@
 #include <random>
 
 #include "Rex/Timer.h"
-#include "Statestore/Cell.h"
 #include "host/KnownPaths.h"
 #include "host/StartError.h"
 
@@ -42,16 +41,6 @@ void SharedStore::load(Statestore::EntityManager& manager, std::function<void(bo
       paths.push_back(known.path);
    }
    replica_.loaded(paths, std::move(then));
-}
-
-void SharedStore::guardIs(const Redundancy::RedundancyStatus& status) {
-   using Statestore::Operation;
-   std::optional<Operation> guard;
-   if (status.protocol() == Redundancy::protocolHotStandby) {
-      guard = {Operation::Kind::require, Cell::path("redundancy/status", 0).stdString(), "mode",
-               Rex::toJson(Redundancy::modeActive).dump()};
-   }
-   replica_.guardIs(guard);
 }
 
 void SharedStore::flush(double longest) {

@@ -55,6 +55,20 @@ Replica::~Replica() {
    tree_.replicaIs(nullptr);
 }
 
+void Replica::guardIs(std::optional<Operation> guard) {
+   guard_ = std::move(guard);
+   yieldGuard();
+}
+
+// Else a process that wrote it once would not hear, after a gap, that it is not so any more.
+void Replica::yieldGuard() {
+   RowSm* row = guard_ ? table_.at(guard_->row) : nullptr;
+   auto place = row ? placeOf(*row->entity(), guard_->field) : std::nullopt;
+   if (!place || table_.pending.has(*row, *place->member, anyKeyOf(*place))) return;
+   if (flight_ && flight_->covers(guard_->row, guard_->field)) return;
+   row->authoredIs(*place->member, false);
+}
+
 void Replica::freeze() {
    if (detached_ || frozen_) return;
    frozen_ = true;
@@ -219,12 +233,15 @@ std::set<References::PlaceName> Replica::takeUnsent() {
 }
 
 void Replica::handleLoaded(const std::vector<std::string>& paths, Snapshot snapshot) {
-   const bool restore = !life_.empty() && snapshot.life != life_;
+   const bool otherLife = !life_.empty() && snapshot.life != life_;
    const bool all = life_.empty() || reload_;
-   if (restore && !all) {
+   if (otherLife && !all) {
       reload_ = true;
       return;
    }
+   // Also when another one who restores was first with a root, and all was loaded again.
+   if (otherLife) restores_ = true;
+   const bool restore = all && restores_;
    TRACE(trace, 4, "Loaded " << paths.size() << " roots, " << snapshot.rows.size() << " rows");
    std::set<References::PlaceName> removed;
    std::string ahead;
@@ -300,6 +317,8 @@ void Replica::handleRead(std::optional<std::vector<Change>> changes) {
 void Replica::apply(const Change& change) {
    if (change.writer == writer_ && flight_ && change.number == flight_->number) {
       flight_.reset();
+      if (table_.pending.empty()) restores_ = false;
+      yieldGuard();
       treeWriter_.settle();
    } else {
       changeReader_.apply(change, flight_ ? &*flight_ : nullptr);
@@ -310,22 +329,27 @@ void Replica::apply(const Change& change) {
    }
 }
 
+Operations Replica::guarded(const Operations& operations) const {
+   if (!guard_) return operations;
+   Operation met = *guard_;
+   met.kind = Operation::Kind::set;
+   if (std::find(operations.begin(), operations.end(), met) != operations.end()) return operations;
+   Operations all{*guard_};
+   all.insert(all.end(), operations.begin(), operations.end());
+   return all;
+}
+
 void Replica::send() {
    busy_ = true;
    flight_->state = Flight::State::sent;
-   Operations guarded;
-   if (guard_) {
-      guarded.push_back(*guard_);
-      guarded.insert(guarded.end(), flight_->operations.begin(), flight_->operations.end());
-   }
-   const Operations& operations = guard_ ? guarded : flight_->operations;
-   store_.change(life_, writer_, flight_->number, operations, [this](ChangeResult result) {
-      busy_ = false;
-      if (detached_) return;
-      Rex::ContextScope scope(context_);
-      handleSent(result);
-      step();
-   });
+   store_.change(life_, writer_, flight_->number, guarded(flight_->operations),
+                 [this](ChangeResult result) {
+                    busy_ = false;
+                    if (detached_) return;
+                    Rex::ContextScope scope(context_);
+                    handleSent(result);
+                    step();
+                 });
 }
 
 void Replica::handleSent(ChangeResult result) {

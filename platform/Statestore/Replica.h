@@ -32,8 +32,9 @@ class Replica : private StoreClient {
    void loaded(const std::vector<std::string>& paths, std::function<void(bool ofTheirTypes)> then);
 
    // What each change from here on requires of the store (Operation::Kind::require): while it is
-   // not so nothing goes out. Nothing is required without one.
-   void guardIs(std::optional<Operation> guard) { guard_ = std::move(guard); }
+   // not so nothing goes out, but for a change that itself makes it so. Once that is in the store,
+   // it is for the store to say, also after a gap. Nothing is required without one.
+   void guardIs(std::optional<Operation> guard);
 
    // For a process that loses its role: sends what is pending, if the guard lets it, and nothing
    // that is changed later; and applies nothing more.
@@ -75,6 +76,8 @@ class Replica : private StoreClient {
    void handleRead(std::optional<std::vector<Change>> changes);
    void apply(const Change& change);
    void send();
+   Operations guarded(const Operations& operations) const;
+   void yieldGuard();
    void stepFrozen();
    void letGo();
    void handleSent(ChangeResult result);
@@ -99,8 +102,9 @@ class Replica : private StoreClient {
    Operations rest_;  // of a frozen process
    std::optional<Operation> guard_;
    bool up_ = false;
-   bool busy_ = false;    // a request is not answered
-   bool reload_ = false;  // the list of changes does not tell what happened
+   bool busy_ = false;      // a request is not answered
+   bool reload_ = false;    // the list of changes does not tell what happened
+   bool restores_ = false;  // an emptied store does not have again all that is here
    bool news_ = false;
    std::string life_, last_;  // of the store, and of the last change that was read
    uint64_t number_ = 0;      // of this process's last change
