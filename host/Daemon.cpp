@@ -106,8 +106,9 @@ void Daemon::startRedundancy() {
       restartAs_ = role;
       loop_.stop();
    };
-   redundancySm_.make(redundancyIn(manager, options_.redundancy), lldpStatusDirIn(manager),
-                      RedundancySm::Reactions{[this] { activeIs(); }, restart});
+   redundancySm_.make(
+       redundancyIn(manager, options_.redundancy), lldpStatusDirIn(manager),
+       RedundancySm::Reactions{[this] { guardStore(); }, [this] { activeIs(); }, restart});
 }
 
 // The agent finds the operator's entities at its mounts, filled. What a shared store holds of them
@@ -130,8 +131,12 @@ void Daemon::startFeeders() {
    if (active) activeIs();
 }
 
+void Daemon::guardStore() {
+   if (store_) store_->guardIs(writeGuard(*agent_->redundancyStatus()));
+}
+
 void Daemon::activeIs() {
-   if (store_) store_->guardIs(*agent_->redundancyStatus());
+   guardStore();
    feeders_->activeIs();
    if (powerFallback_.get()) return;
    auto& manager = *agent_->entityManager();

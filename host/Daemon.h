@@ -43,6 +43,7 @@ class Daemon {
    void loadConfig();
    void startRedundancy();
    void startFeeders();
+   void guardStore();
    void activeIs();
    void openApi();
    void serveAll();

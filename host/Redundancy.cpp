@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "Rex/Context.h"
+#include "Rex/Json.h"
 #include "Rex/Log.h"
 #include "Statestore/Cell.h"
 #include "host/Feeders/FedEntity.h"
@@ -59,8 +60,15 @@ RedundancySm::RedundancySm(Redundancy::RedundancyStatus::PtrConst redundancyStat
    on(settled_, &RedundancySm::handleSettled);
 }
 
-// Protocol and mode come one after the other, and what they say in between is nobody's will.
+// Protocol and mode come one after the other, and what they say in between is nobody's will. But
+// the agent takes over at once, also where the role goes again before the turn is over.
 void RedundancySm::handleRedundancyStatus() {
+   if (isActive()) {
+      wasActive_ = true;
+      if (redundancyStatus_->protocol() == Redundancy::protocolHotStandby) {
+         reactions_.becomesActive();
+      }
+   }
    settled_.timeMinIs(0);
 }
 
@@ -128,6 +136,13 @@ Rex::Dir::Ptr lldpStatusDirIn(Statestore::EntityManager& manager) {
       dir->entityPtrIs(ownEntry(), Rex::make<Lldp::Status>());
    }
    return dir;
+}
+
+std::optional<Statestore::Operation> writeGuard(const Redundancy::RedundancyStatus& status) {
+   if (status.protocol() != Redundancy::protocolHotStandby) return std::nullopt;
+   return Statestore::Operation{Statestore::Operation::Kind::require,
+                                Cell::path("redundancy/status", 0).stdString(), "mode",
+                                Rex::toJson(Redundancy::modeActive).dump()};
 }
 
 std::vector<std::string> restartArguments(std::vector<std::string> arguments, Role role) {

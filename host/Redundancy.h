@@ -11,17 +11,19 @@
 #include "Rex/Dir.h"
 #include "Rex/StateMachine.h"
 #include "Statestore/EntityManager.h"
+#include "Statestore/Store.h"
 #include "host/Role.h"
 
 namespace Host {
 
 class RedundancySm : public Rex::StateMachine {
  public:
-   // Called from a turn of the loop, when the writer of the role is done.
    struct Reactions {
-      // The agent is active.
+      // The agent becomes active with the reaction that is on, and so does what it writes.
+      std::function<void()> becomesActive;
+      // From a turn of the loop, when the writer of the role is done: the agent is active.
       std::function<void()> activeIs;
-      // Called once, when the agent
+      // From such a turn, once, when the agent
       // - was active and no longer is to be,
       // - waits for the status that an active supervisor would make for it, and is to be active, or
       // - has taken its status, and in its place stands none or another one.
@@ -61,6 +63,10 @@ Redundancy::RedundancyStatus::Ptr redundancyIn(Statestore::EntityManager& manage
 // Where the status of each supervisor's agent stands, this one's fit for its agent to take: what is
 // of another type there is replaced.
 Rex::Dir::Ptr lldpStatusDirIn(Statestore::EntityManager& manager);
+
+// What an active supervisor requires of the store: that it is the active one there. So nothing of
+// it is written behind the change that takes its role. None for a supervisor that stands alone.
+std::optional<Statestore::Operation> writeGuard(const Redundancy::RedundancyStatus& status);
 
 // Runs the program anew in this process, with the arguments it has and the role. Returns only if
 // that cannot be, with errno set.

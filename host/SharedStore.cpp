@@ -46,16 +46,6 @@ void SharedStore::load(Statestore::EntityManager& manager, std::function<void(bo
    replica_.loaded(paths, std::move(then));
 }
 
-void SharedStore::guardIs(const Redundancy::RedundancyStatus& status) {
-   using Statestore::Operation;
-   std::optional<Operation> guard;
-   if (status.protocol() == Redundancy::protocolHotStandby) {
-      guard = {Operation::Kind::require, Cell::path("redundancy/status", 0).stdString(), "mode",
-               Rex::toJson(Redundancy::modeActive).dump()};
-   }
-   replica_.guardIs(guard);
-}
-
 bool SharedStore::flush(double longest) {
    constexpr double step = 0.01;  // seconds between two looks
    Rex::Timer look(context_.clock());

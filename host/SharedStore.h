@@ -3,9 +3,10 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
+#include <utility>
 
-#include "Foreign/Redundancy.h"
 #include "Redis/RedisStore.h"
 #include "Rex/Context.h"
 #include "Rex/Loop.h"
@@ -25,9 +26,8 @@ class SharedStore {
    // paths.
    void load(Statestore::EntityManager& manager, std::function<void(bool)> then);
 
-   // Where two supervisors take turns: nothing of this one goes out any more once the store says
-   // that it is not the active one. Nothing is asked of one that stands alone.
-   void guardIs(const Redundancy::RedundancyStatus& status);
+   // What the store has to say for anything of this process to go out (writeGuard()).
+   void guardIs(std::optional<Statestore::Operation> guard) { replica_.guardIs(std::move(guard)); }
    // The role is lost: what was changed until now still goes out, if the store lets it, and nothing
    // after that; and nothing comes in.
    void freeze() { replica_.freeze(); }

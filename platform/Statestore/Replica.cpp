@@ -61,6 +61,31 @@ Replica::~Replica() {
    tree_.replicaIs(nullptr);
 }
 
+void Replica::guardIs(std::optional<Operation> guard) {
+   guard_ = std::move(guard);
+   yield();
+}
+
+void Replica::yieldAt(const std::string& path) {
+   yields_.insert(path);
+   yield();
+}
+
+// What was written there is in the store, or is this process's word only until it is.
+void Replica::yield() {
+   auto yieldRow = [this](const std::string& path) {
+      RowSm* row = table_.at(path);
+      if (!row || !row->authored()) return;
+      for (const auto& member : row->entity()->entityType().members()) {
+         if (table_.pending.has(*row, *member, {})) return;
+         if (flight_ && flight_->covers(path, member->name)) return;
+      }
+      row->authoredNothing();
+   };
+   for (const std::string& path : yields_) yieldRow(path);
+   if (guard_) yieldRow(guard_->row);
+}
+
 // A change on its way stays: what is being read may be compared with it.
 void Replica::freeze() {
    if (detached_ || frozen_) return;
@@ -227,11 +252,14 @@ std::set<References::PlaceName> Replica::takeUnsent() {
 }
 
 void Replica::handleLoaded(const std::vector<std::string>& paths, bool all, Snapshot snapshot) {
-   const bool restore = !life_.empty() && snapshot.life != life_;
-   if (!all && (restore || reload_)) {
+   const bool otherLife = !life_.empty() && snapshot.life != life_;
+   if (!all && (otherLife || reload_)) {
       reload_ = true;
       return;
    }
+   // Also when another one who restores was first with a root, and all was loaded again.
+   if (otherLife) restores_ = true;
+   const bool restore = all && restores_;
    TRACE(trace, 4, "Loaded " << paths.size() << " roots, " << snapshot.rows.size() << " rows");
    std::set<References::PlaceName> removed;
    std::string ahead;
@@ -265,8 +293,6 @@ void Replica::handleLoaded(const std::vector<std::string>& paths, bool all, Snap
          root.row.reset();
          continue;
       }
-      if (yields_.contains(path) || (guard_ && path == guard_->row))
-         root.row.get()->authoredNothing();
       Reconcile(table_, treeWriter_, images, restore, removed).root(*root.row.get());
    }
    treeWriter_.settle();
@@ -309,6 +335,8 @@ void Replica::handleRead(std::optional<std::vector<Change>> changes) {
 void Replica::apply(const Change& change) {
    if (change.writer == writer_ && flight_ && change.number == flight_->number) {
       flight_.reset();
+      if (table_.pending.empty()) restores_ = false;
+      yield();
       treeWriter_.settle();
    } else {
       changeReader_.apply(change, flight_ ? &*flight_ : nullptr);
@@ -319,26 +347,27 @@ void Replica::apply(const Change& change) {
    }
 }
 
+// What this process itself says of the guard, and the store does not know yet, is not required.
+Operations Replica::guarded(const Operations& operations) const {
+   if (!guard_ || isOwnWord(*guard_)) return operations;
+   Operations all{*guard_};
+   all.insert(all.end(), operations.begin(), operations.end());
+   return all;
+}
+
 void Replica::send() {
    busy_ = true;
    flight_->state = Flight::State::sent;
-   Operations guarded;
-   const bool isGuarded = guard_ && !isOwnWord(*guard_);
-   if (isGuarded) {
-      guarded.push_back(*guard_);
-      guarded.insert(guarded.end(), flight_->operations.begin(), flight_->operations.end());
-   }
-   const Operations& operations = isGuarded ? guarded : flight_->operations;
-   store_.change(life_, writer_, flight_->number, operations, [this](ChangeResult result) {
-      busy_ = false;
-      if (detached_) return;
-      Rex::ContextScope scope(context_);
-      handleSent(result);
-      step();
-   });
+   store_.change(life_, writer_, flight_->number, guarded(flight_->operations),
+                 [this](ChangeResult result) {
+                    busy_ = false;
+                    if (detached_) return;
+                    Rex::ContextScope scope(context_);
+                    handleSent(result);
+                    step();
+                 });
 }
 
-// Whether it is this process that says what the guard requires, and the store does not know yet.
 bool Replica::isOwnWord(const Operation& guard) const {
    if (flight_->covers(guard.row, guard.field)) return true;
    RowSm* row = table_.at(guard.row);

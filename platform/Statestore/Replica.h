@@ -33,12 +33,13 @@ class Replica : private StoreClient {
    void loaded(const std::vector<std::string>& paths, std::function<void(bool ofTheirTypes)> then);
 
    // What each change from here on requires of the store (Operation::Kind::require): while it is
-   // not so nothing goes out. Nothing is required without one.
-   void guardIs(std::optional<Operation> guard) { guard_ = std::move(guard); }
+   // not so nothing goes out, but for a change that itself makes it so. Once that is in the store,
+   // it is for the store to say, also after a gap. Nothing is required without one.
+   void guardIs(std::optional<Operation> guard);
 
-   // A root at which a reload takes what the store says also where this process wrote last: who has
-   // which role is not to be said again by one that was away.
-   void yieldAt(const std::string& path) { yields_.insert(path); }
+   // A root at which the same goes for all that this process writes: who has which role is not to
+   // be said again by one that was away.
+   void yieldAt(const std::string& path);
 
    // For a process that loses its role: sends what is pending, if the guard lets it, and nothing
    // that is changed later; and applies nothing more.
@@ -81,6 +82,8 @@ class Replica : private StoreClient {
    void apply(const Change& change);
    void send();
    bool isOwnWord(const Operation& guard) const;
+   Operations guarded(const Operations& operations) const;
+   void yield();
    void stepFrozen();
    void letGo();
    void handleSent(ChangeResult result);
@@ -106,8 +109,9 @@ class Replica : private StoreClient {
    std::optional<Operation> guard_;
    std::set<std::string> yields_;
    bool up_ = false;
-   bool busy_ = false;    // a request is not answered
-   bool reload_ = false;  // the list of changes does not tell what happened
+   bool busy_ = false;      // a request is not answered
+   bool reload_ = false;    // the list of changes does not tell what happened
+   bool restores_ = false;  // an emptied store does not have again all that is here
    bool news_ = false;
    std::string life_, last_;  // of the store, and of the last change that was read
    uint64_t number_ = 0;      // of this process's last change

@@ -48,6 +48,7 @@ void SimulatedStore::Client::change(const std::string& life, const std::string& 
                             : stands             ? ChangeResult::rootStands
                                                  : ChangeResult::made;
       if (result == ChangeResult::made) {
+         if (store_.witness) store_.witness({"", writer, number, operations});
          Change made{"", writer, number, {}};
          for (const Operation& one : operations) {
             if (store_.apply(one)) made.operations.push_back(one);
@@ -100,8 +101,8 @@ bool SimulatedStore::Client::hear() {
 bool SimulatedStore::step() {
    std::vector<std::pair<Client*, bool>> possible;
    for (Client& client : clients_) {
-      if (!client.asked_.empty()) possible.emplace_back(&client, true);
-      if (!client.told_.empty()) possible.emplace_back(&client, false);
+      if (!client.asked_.empty() && !client.askedWaits) possible.emplace_back(&client, true);
+      if (!client.told_.empty() && !client.toldWaits) possible.emplace_back(&client, false);
    }
    if (possible.empty()) return false;
    auto [client, serves] = possible[random_() % possible.size()];

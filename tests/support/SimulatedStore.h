@@ -40,6 +40,9 @@ class SimulatedStore {
       // Ends for good: the client is gone.
       void leave();
 
+      // What is asked, or what it is told, stays on its way.
+      bool askedWaits = false, toldWaits = false;
+
       std::string name;
       size_t changes = 0;     // that it asked for
       size_t operations = 0;  // in them
@@ -64,6 +67,8 @@ class SimulatedStore {
    void empty();
    // Only the newest changes stay in the list.
    void trim(size_t stay);
+   // Sees each change that is made before it is: the rows are as they were.
+   std::function<void(const Statestore::Change& change)> witness;
    bool refuses = false;  // every change
    size_t piece = 500;    // most changes in an answer
 

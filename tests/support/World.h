@@ -39,19 +39,8 @@ class Wire : public Interface::Segment {
 // What a frame's first TLV of a type holds; "none" without one.
 std::string tlvIn(const Interface::Segment::Frame& frame, unsigned type);
 
-// How the two supervisors of a chassis share their state: here they work on one tree.
-class ChassisStore {
- public:
-   const std::shared_ptr<Statestore::Tree>& treeOf(int /*cell*/) const { return tree_; }
-   // Lets what one of them wrote reach the other.
-   void settle() {}
-
- private:
-   const std::shared_ptr<Statestore::Tree> tree_ = std::make_shared<Statestore::Tree>();
-};
-
-// An interface of a supervisor: its rows, as the switch would write them, and its cable. Where the
-// other supervisor's rows of that name are in sight, they are this one's too.
+// An interface of a supervisor: its rows, as the switch would write them, and its cable. Both stay
+// when the supervisor's process begins anew.
 class Port {
  public:
    Port(Supervisor& supervisor, const std::string& name, int ifIndex);
@@ -60,12 +49,16 @@ class Port {
    // A new wire between the two.
    Wire& joins(Port& other);
    void plug(const Rex::Ptr<Wire>& wire);
+   // The cable seems pulled to the process, or is what was plugged in again.
+   void heardIs(bool heard);
    void linkIs(bool up);
    void forwardingModelIs(Interface::IntfForwardingModel model) { phy_->forwardingModelIs(model); }
    // The interface's rows come, with the link up, or go. In which order is for the switch to say:
    // `rotation` is the row that is the first, of 3.
    void enter(int rotation = 0);
    void leave(int rotation = 0);
+   // The rows come, in a process that has none of them.
+   void rowsIs(int rotation = 0);
    bool present() const { return bool(phy_); }
    const Interface::EthPhyIntfStatus::Ptr& phy() const { return phy_; }
 
@@ -88,21 +81,27 @@ class Port {
    Supervisor& supervisor_;
    const Wirekit::IntfId intfId_;
    const int ifIndex_;
+   Rex::Ptr<Wire> wire_;
    Interface::EthPhyIntfStatus::Ptr phy_;
 };
 
-// A supervisor with its agent. The store outlives the agent.
+// A supervisor with its process, and its agent in it. The process's tree outlives the agent.
 class Supervisor {
  public:
-   // Two supervisors of one chassis share their store.
-   Supervisor(World& world, const std::string& name, int cell,
-              std::shared_ptr<Statestore::Tree> store);
+   Supervisor(World& world, const std::string& name, int cell);
    ~Supervisor();
+
+   // Another process, with nothing in its tree: what the one before had is gone with it.
+   void processIs();
+   // The tables of interfaces come, with what is in them.
+   void intfsIs();
 
    // Makes the agent and lets it ask for its mounts, which are done as soon as the world runs.
    void start();
    // Stops the agent in order and lets go of it.
    void stop();
+   // The agent goes, and nobody on a cable hears of it.
+   void kill();
    Lldp::Agent::Agent* agent() const { return agent_.get(); }
 
    // The interface of that name; it is made, and its rows come, at the first mention.
@@ -112,11 +111,10 @@ class Supervisor {
    // The entity at a path of the store; it is made at the first mention.
    template <class T>
    Rex::Ptr<T> at(const Rex::String& path) {
-      return Rex::dynamicPtr<T>(store_->entityIs(path.view(), T::staticType().name()));
+      return Rex::dynamicPtr<T>(
+          context_->service<Statestore::Tree>().entityIs(path.view(), T::staticType().name()));
    }
-   Rex::String cellPath(const char* path) const {
-      return Rex::format("cell/%d/%s", context_.cellId, path);
-   }
+   Rex::String cellPath(const char* path) const { return Rex::format("cell/%d/%s", cell_, path); }
    Lldp::CliConfig::Ptr cli() { return at<Lldp::CliConfig>("l2discovery/lldp/cliConfig"); }
    Lldp::CliPortConfig::Ptr cli(const std::string& port) {
       return cli()->cliPortConfigIs(Wirekit::IntfId(port));
@@ -125,15 +123,13 @@ class Supervisor {
    Lldp::LocalSystem::Ptr localSystem() {
       return at<Lldp::LocalSystem>("l2discovery/lldp/localSystem");
    }
-   Lldp::Status::Ptr status() { return statusOf(context_.cellId); }
+   Lldp::Status::Ptr status() { return statusOf(cell_); }
    Bridging::Config::Ptr bridging() { return at<Bridging::Config>("bridging/config"); }
    System::NetStatus::Ptr netStatus() { return at<System::NetStatus>(cellPath("sys/net/status")); }
    Identity::Dot1x::Status::Ptr dot1x() {
       return at<Identity::Dot1x::Status>("identity/dot1x/status");
    }
    void redundancyIs(Redundancy::Protocol protocol, Redundancy::Mode mode);
-   // What the platform knows of the chassis: which supervisors are in it.
-   void cellPresentIs(int cell, bool present);
    Lldp::AllStatus::Ptr allStatus() { return at<Lldp::AllStatus>("l2discovery/lldp/status/all"); }
    // The status of any cell as this supervisor sees it.
    Lldp::Status::Ptr statusOf(int cell);
@@ -141,7 +137,7 @@ class Supervisor {
 
    // In the world, from 1; it stands in the MAC addresses of the switch and its ports.
    int number() const { return number_; }
-   Rex::Context& context() { return context_; }
+   Rex::Context& context() { return *context_; }
    World& world() { return world_; }
    Interface::SegmentPamMaker& devices() { return *devices_; }
    // "<name>: <text>" of each event so far, which are forgotten.
@@ -151,9 +147,9 @@ class Supervisor {
    World& world_;
    const std::string name_;
    const int number_;
-   const std::shared_ptr<Statestore::Tree> store_;
+   const int cell_;
    const std::shared_ptr<Interface::SegmentPamMaker> devices_;
-   Rex::Context context_;
+   std::unique_ptr<Rex::Context> context_;
    std::vector<std::string> logs_;
    std::map<std::string, std::unique_ptr<Port>> ports_;
    Lldp::Agent::Agent::Ptr agent_;
@@ -166,22 +162,18 @@ class World {
 
    // A switch of one supervisor, whose host and system name is `name`; its agent starts.
    Supervisor& agent(const std::string& name);
-   // Two supervisors of one chassis, cells 1 and 2, which are in it and have not started.
-   std::pair<Supervisor&, Supervisor&> chassis(const std::string& name, const ChassisStore& store);
-   std::pair<Supervisor&, Supervisor&> chassis(const std::string& name) {
-      return chassis(name, ChassisStore());
-   }
+   // One that has not started.
+   Supervisor& supervisor(const std::string& name, int cell = 1);
    Rex::Ptr<Wire> wire() { return Rex::make<Wire>(base_.context().clock()); }
 
    void run(double seconds) { base_.advance(seconds); }
+   void runTo(double time) { base_.advanceTo(time); }
    double now() const { return base_.now(); }
    const Rex::Ptr<Rex::Clock>& clock() { return base_.context().clock(); }
    const std::string& folder() const { return folder_; }
    const std::vector<std::unique_ptr<Supervisor>>& supervisors() const { return supervisors_; }
 
  private:
-   Supervisor& add(const std::string& name, int cell, std::shared_ptr<Statestore::Tree> store);
-
    TestContext base_;
    std::string folder_;
    std::vector<std::unique_ptr<Supervisor>> supervisors_;

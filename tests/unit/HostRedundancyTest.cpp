@@ -24,7 +24,7 @@ struct RedundancyOfTheHost : testing::Test {
    Redundancy::RedundancyStatus::Ptr status;
    Rex::Ptr<Host::RedundancySm> sm;
    std::vector<Role> restarts;
-   int takeovers = 0;
+   int begun = 0, takeovers = 0;
 
    ~RedundancyOfTheHost() override {
       if (sm) sm->close();
@@ -33,7 +33,7 @@ struct RedundancyOfTheHost : testing::Test {
       status = Host::redundancyIn(*manager, role);
       sm = Rex::make<Host::RedundancySm>(
           status, statusDir,
-          Host::RedundancySm::Reactions{[this] { ++takeovers; },
+          Host::RedundancySm::Reactions{[this] { ++begun; }, [this] { ++takeovers; },
                                         [this](Role as) { restarts.push_back(as); }});
       context.settle();
    }
@@ -62,7 +62,10 @@ TEST_F(RedundancyOfTheHost, AStandbyTakesOverInPlaceUnlessItWaits) {
    EXPECT_EQ(status->mode(), modeStandby);
    roleIs(protocolHotStandby, modeTakingOver);
    statusDir->createEntity("1", "Lldp::Status");
-   roleIs(protocolHotStandby, modeActive);
+   EXPECT_EQ(begun, 0);
+   status->modeIs(modeActive);
+   EXPECT_EQ(begun, 1) << "before anything of the new role can go out";
+   context.settle();
    EXPECT_THAT(restarts, IsEmpty());
    EXPECT_EQ(takeovers, 1);
    roleIs(protocolHotStandby, modeStandby);

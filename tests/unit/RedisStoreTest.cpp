@@ -129,6 +129,27 @@ TEST_F(RedisStoreTest, VoidOperationsChangeNothingAndAreLeftOut) {
    EXPECT_EQ(changes->at(1).writer, "me");
 }
 
+TEST_F(RedisStoreTest, AChangeIsMadeOnlyWhereWhatItRequiresIsSo) {
+   start();
+   client.change(tree);
+   auto require = [](const char* row, const char* field, const char* value) {
+      return Operation{Operation::Kind::require, row, field, value};
+   };
+   const auto touch = set("status", "text", "1");
+   EXPECT_EQ(client.change({touch, require("status/port/1", "speed", "10")}), ChangeResult::unmet);
+   EXPECT_THAT(state({"status"}), Contains(HasSubstr("uplink")));
+   std::string before = client.load({}).last;
+   // What is not there has no other value.
+   for (const auto& met :
+        {require("status/port/1", "speed", "100"), require("status/port/1", "duplex", "1"),
+         require("nowhere", "speed", "1")}) {
+      EXPECT_EQ(client.change({met, touch}), ChangeResult::made);
+   }
+   auto changes = client.read(before);
+   ASSERT_TRUE(changes && changes->size() == 3);
+   EXPECT_THAT(changes->front().operations, ElementsAre(touch)) << "and is no part of it";
+}
+
 TEST_F(RedisStoreTest, ChangesAreReadInOrderAndWhole) {
    start();
    std::string before = client.load({}).last;

@@ -1,5 +1,6 @@
 // Processes on one store that write, lose it, come back and start again in an order of a seed's.
 // After each quiet moment all have the same, and the store too.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "Rex/Dir.h"
@@ -7,6 +8,7 @@
 #include "model/LocalSystem.h"
 #include "model/Status.h"
 #include "support/Seeds.h"
+#include "support/StoreContents.h"
 #include "support/StoreProcess.h"
 #include "unit/RexFixture.h"
 
@@ -41,34 +43,6 @@ struct ReplicaWorld {
       mount(*process);
       return process;
    }
-   // Every value of the tree, by its place.
-   using Contents = std::map<std::string, std::string>;
-   static Contents contents(StoreProcess& process) {
-      Contents all;
-      for (const std::string& path : process.tree().paths()) {
-         auto entity = process.manager->getEntity(path);
-         const Rex::Json values = sorted(Rex::entityToJson(*entity)).flatten();
-         for (auto& [place, value] : values.items()) {
-            all[path + place] = value.dump();
-         }
-      }
-      return all;
-   }
-   static std::string differences(const Contents& right, const Contents& got) {
-      std::string text;
-      for (auto& [place, value] : right) {
-         auto at = got.find(place);
-         if (at == got.end() || at->second != value) {
-            text += place + " is " + (at == got.end() ? "missing" : at->second) + ", not " + value +
-                    "\n";
-         }
-      }
-      for (auto& [place, value] : got) {
-         if (!right.contains(place)) text += place + " is " + value + ", not missing\n";
-      }
-      return text.substr(0, 2000);
-   }
-
    // One change by a process, as a handler or from outside.
    void write(StoreProcess& process) {
       Rex::ContextScope scope(process.context);
@@ -215,28 +189,16 @@ struct ReplicaWorld {
       }
       auto fresh = start();
       quiet(store, *clock);
-      const Contents right = contents(*fresh);
+      const std::vector<std::string> paths = fresh->tree().paths();
+      const Contents right = contents(fresh->tree(), paths);
       for (auto& process : all) {
          EXPECT_TRUE(process->replica->idle());
-         EXPECT_EQ(differences(right, contents(*process)), "") << process->client.name;
+         EXPECT_EQ(differences(right, contents(process->tree(), paths)), "")
+             << process->client.name;
          EXPECT_EQ(process->replica->refused(), 0u);
       }
       EXPECT_TRUE(fresh->replica->idle());
-      checkRows(*fresh);
-   }
-   // What the store has of a row is what the tree has.
-   void checkRows(StoreProcess& process) {
-      for (const auto& [path, row] : store.rows()) {
-         auto entity = process.manager->find(*Statestore::decodePath(path)).entity;
-         ASSERT_TRUE(entity) << path;
-         EXPECT_EQ(row.type, entity->entityType().name());
-         for (const auto& member : entity->entityType().members()) {
-            if (member->kind != Rex::MemberKind::scalar) continue;
-            auto field = row.fields.find(member->name);
-            ASSERT_NE(field, row.fields.end()) << path << " " << member->name;
-            EXPECT_EQ(field->second, member->toJson(*entity).dump());
-         }
-      }
+      EXPECT_THAT(rowFaults(store, *fresh), testing::IsEmpty());
    }
 };
 

@@ -1,6 +1,7 @@
 // Processes that meet in a store: what each is told of what others write, and in which order.
 #include <gmock/gmock.h>
 
+#include "Foreign/Redundancy.h"
 #include "Rex/Dir.h"
 #include "model/CliConfig.h"
 #include "model/Config.h"
@@ -369,4 +370,58 @@ TEST_F(StatestoreReplicaTest, ARefusedChangeIsTriedAgain) {
    pass(30);
    settle();
    EXPECT_EQ(theirs->txDelay(), 2u);
+}
+
+TEST_F(StatestoreReplicaTest, NothingGoesOutBehindTheChangeThatTakesTheRole) {
+   using Redundancy::modeActive;
+   using Redundancy::modeStandby;
+   auto ours = a.at<Lldp::Config>("config"), theirs = b.at<Lldp::Config>("config");
+   auto role = a.at<Redundancy::RedundancyStatus>("role");
+   auto theirRole = b.at<Redundancy::RedundancyStatus>("role");
+   theirRole->modeIs(modeStandby);
+   settle();
+   a.replica->guardIs(Statestore::Operation{Statestore::Operation::Kind::require, "role", "mode",
+                                            "\"modeActive\""});
+   ours->txDelayIs(4);
+   pass(2);
+   settle();
+   EXPECT_EQ(theirs->txDelay(), 2u);
+   theirRole->modeIs(modeActive);
+   settle();
+   pass(2);
+   settle();
+   EXPECT_EQ(theirs->txDelay(), 4u);
+   // Before it hears of it, and without a list that tells.
+   for (bool reload : {false, true}) {
+      role->modeIs(modeStandby);
+      settle();
+      role->modeIs(modeActive);  // whoever takes the role does so in its own change
+      settle();
+      ASSERT_EQ(theirRole->mode(), modeActive);
+      if (reload) a.client.cut(false);
+      a.client.toldWaits = true;
+      theirRole->modeIs(modeStandby);
+      settle();
+      ours->txDelayIs(5);
+      if (reload) store.trim(1);
+      a.client.connect();
+      settle();
+      EXPECT_EQ(theirs->txDelay(), 4u);
+      a.client.toldWaits = false;
+      settle();
+      EXPECT_EQ(role->mode(), modeStandby);
+      ours->txDelayIs(4);
+      theirRole->modeIs(modeActive);
+      settle();
+      pass(2);
+      settle();
+   }
+   ours->txDelayIs(7);
+   a.replica->freeze();
+   ours->txDelayIs(8);
+   theirs->reinitDelayIs(9);
+   settle();
+   EXPECT_EQ(theirs->txDelay(), 7u);
+   EXPECT_NE(ours->reinitDelay(), 9u);
+   EXPECT_TRUE(a.replica->idle());
 }

@@ -28,13 +28,7 @@ std::string tlvIn(const Interface::Segment::Frame& frame, unsigned type) {
 Port::Port(Supervisor& supervisor, const std::string& name, int ifIndex)
     : supervisor_(supervisor), intfId_(name.c_str()), ifIndex_(ifIndex) {
    plug(supervisor_.world().wire());
-   Dirs dir = dirs();
-   phy_ = dir.phy->intfStatus(intfId_);
-   if (phy_) {
-      dir.local->intfStatusIs(dir.all->intfStatus(intfId_));
-   } else {
-      enter();
-   }
+   enter();
 }
 
 Wire& Port::joins(Port& other) {
@@ -45,7 +39,12 @@ Wire& Port::joins(Port& other) {
 }
 
 void Port::plug(const Rex::Ptr<Wire>& wire) {
-   supervisor_.devices().plug(intfId_.stringValue(), wire);
+   wire_ = wire;
+   heardIs(true);
+}
+
+void Port::heardIs(bool heard) {
+   supervisor_.devices().plug(intfId_.stringValue(), heard ? wire_ : nullptr);
 }
 
 void Port::linkIs(bool up) {
@@ -65,6 +64,10 @@ void Port::enter(int rotation) {
    phy_->maxMtuIs(1500);
    phy_->forwardingModelIs(Interface::intfForwardingBridged);
    phy_->linkStatusIs(Interface::linkUp);
+   rowsIs(rotation);
+}
+
+void Port::rowsIs(int rotation) {
    auto intf = Rex::make<Interface::IntfStatus>(intfId_);
    intf->ifIndexIs(ifIndex_);
    intf->deviceNameIs(intfId_.stringValue());
@@ -119,28 +122,38 @@ Lldp::RemoteSystem::Ptr Port::neighbor() const {
    return (*port->remoteSystem().begin()).value;
 }
 
-Supervisor::Supervisor(World& world, const std::string& name, int cell,
-                       std::shared_ptr<Statestore::Tree> store)
+Supervisor::Supervisor(World& world, const std::string& name, int cell)
     : world_(world),
       name_(name),
       number_(static_cast<int>(world.supervisors().size()) + 1),
-      store_(std::move(store)),
-      devices_(std::make_shared<Interface::SegmentPamMaker>()),
-      context_(world.clock()) {
-   context_.cellId = cell;
-   context_.runDir = world.folder();
-   context_.toggles["LldpKeepNbrClassificationIntfDown"] = true;
-   context_.serviceIs<Statestore::Tree>(store_);
-   context_.serviceIs<Interface::PamMaker>(devices_);
-   context_.logSink = [this](const Rex::LogEvent& event) {
+      cell_(cell),
+      devices_(std::make_shared<Interface::SegmentPamMaker>()) {
+   processIs();
+   netStatus()->hostnameIs(Rex::String(name));
+   intfsIs();
+}
+
+void Supervisor::processIs() {
+   context_ = std::make_unique<Rex::Context>(world_.clock());
+   context_->cellId = cell_;
+   context_->runDir = world_.folder();
+   context_->toggles["LldpKeepNbrClassificationIntfDown"] = true;
+   context_->serviceIs<Interface::PamMaker>(devices_);
+   context_->logSink = [this](const Rex::LogEvent& event) {
       logs_.push_back(std::string(event.name) + ": " + event.text);
    };
-   netStatus()->hostnameIs(Rex::String(name));
+}
+
+void Supervisor::intfsIs() {
    // Whoever fills the directories has to come before the agent, which else has them for itself.
    at<Interface::AllIntfStatusDir>("interface/status/all");
    at<Interface::AllIntfStatusLocalDir>(cellPath("interface/status/local"));
    at<Interface::AllEthPhyIntfStatusDir>("interface/status/eth/phy/all");
    at<Interface::AllEthPhyIntfConfigDir>("interface/config/eth/phy/all");
+   at<Interface::EthLagIntfStatusDir>("interface/status/eth/lag");
+   for (const auto& [name, port] : ports_) {
+      if (port->present()) port->rowsIs();
+   }
 }
 
 Supervisor::~Supervisor() {
@@ -148,17 +161,23 @@ Supervisor::~Supervisor() {
 }
 
 void Supervisor::start() {
-   Rex::ContextScope scope(context_);
-   std::string ringName = name_ + std::to_string(context_.cellId);
+   Rex::ContextScope scope(*context_);
+   std::string ringName = name_ + std::to_string(cell_);
    agent_ = Lldp::Agent::agentFactory(Rex::String(ringName));
    Rex::Dispatcher::run([this] { agent_->doInit(); });
 }
 
 void Supervisor::stop() {
    if (!agent_) return;
-   Rex::ContextScope scope(context_);
+   Rex::ContextScope scope(*context_);
    Rex::Dispatcher::run([this] { agent_->doCleanup(); });
    agent_ = nullptr;
+}
+
+void Supervisor::kill() {
+   for (const auto& [name, port] : ports_) port->heardIs(false);
+   stop();
+   for (const auto& [name, port] : ports_) port->heardIs(true);
 }
 
 Port& Supervisor::port(const std::string& name) {
@@ -171,16 +190,6 @@ Port& Supervisor::port(const std::string& name) {
 Lldp::Status::Ptr Supervisor::statusOf(int cell) {
    auto dir = at<Rex::Dir>("l2discovery/lldp/status/local");
    return Rex::dynamicPtr<Lldp::Status>(dir->entityPtr(Rex::format("%d", cell)));
-}
-
-void Supervisor::cellPresentIs(int cell, bool present) {
-   auto cells = at<Rex::Dir>("hardware/cellInfo");
-   Rex::String name = Rex::format("%d", cell);
-   if (present) {
-      cells->createEntity(name, "Rex::Dir");
-   } else {
-      cells->deleteEntity(name);
-   }
 }
 
 void Supervisor::redundancyIs(Redundancy::Protocol protocol, Redundancy::Mode mode) {
@@ -207,26 +216,16 @@ World::~World() {
    std::filesystem::remove_all(folder_, ignored);
 }
 
-Supervisor& World::agent(const std::string& name) {
-   auto& supervisor = add(name, 1, std::make_shared<Statestore::Tree>());
-   supervisor.bridging()->bridgeMacAddrIs(
-       {2, 0, 0, 0, 0, static_cast<uint8_t>(supervisor.number())});
-   supervisor.start();
-   return supervisor;
-}
-
-std::pair<Supervisor&, Supervisor&> World::chassis(const std::string& name,
-                                                   const ChassisStore& store) {
-   auto& first = add(name, 1, store.treeOf(1));
-   auto& second = add(name, 2, store.treeOf(2));
-   first.bridging()->bridgeMacAddrIs({2, 0, 0, 0, 1, 0});
-   for (int cell : {1, 2}) first.cellPresentIs(cell, true);
-   return {first, second};
-}
-
-Supervisor& World::add(const std::string& name, int cell, std::shared_ptr<Statestore::Tree> store) {
-   supervisors_.push_back(std::make_unique<Supervisor>(*this, name, cell, std::move(store)));
+Supervisor& World::supervisor(const std::string& name, int cell) {
+   supervisors_.push_back(std::make_unique<Supervisor>(*this, name, cell));
    return *supervisors_.back();
+}
+
+Supervisor& World::agent(const std::string& name) {
+   auto& made = supervisor(name);
+   made.bridging()->bridgeMacAddrIs({2, 0, 0, 0, 0, static_cast<uint8_t>(made.number())});
+   made.start();
+   return made;
 }
 
 }  // namespace LldpTest

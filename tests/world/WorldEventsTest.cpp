@@ -166,7 +166,7 @@ TEST_F(Events, NobodyWatchesForNobody) {
 TEST(WorldEvents, FollowAnAgentThatStartsAndBecomesActiveLater) {
    World world;
    auto& b = world.agent("b");
-   auto& first = world.chassis("a").first;
+   auto& first = world.supervisor("a");
    first.redundancyIs(Redundancy::protocolHotStandby, Redundancy::modeStandby);
    Listening listening{first};
    listening.start(true);
@@ -187,13 +187,14 @@ TEST(WorldEvents, TellOfBothSupervisors) {
    for (int cell : {1, 2}) {
       chassis.start(cell, cell == 1 ? Redundancy::modeActive : Redundancy::modeStandby);
    }
-   world.run(40);
+   chassis.run(40);
    Listening active{chassis.cell(1)};
    active.start(true);
    EXPECT_THAT(active.told(), testing::Contains("neighbor-standing Management2/1 peer"));
    chassis.peer.netStatus()->hostnameIs("far");
-   world.run(40);
+   chassis.run(40);
    EXPECT_THAT(active.told(), testing::Contains(testing::HasSubstr("-changed Management2/1 far")));
    chassis.cell(2).port("Management2/1").linkIs(false);
+   chassis.quiet();
    EXPECT_THAT(active.told(), testing::Contains("neighbor-gone Management2/1 far otherSupervisor"));
 }
