@@ -6,6 +6,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "Foreign/Redundancy.h"
 #include "Rex/Dir.h"
 #include "Rex/Log.h"
 #include "Statestore/Cell.h"
