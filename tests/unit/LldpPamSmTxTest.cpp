@@ -217,10 +217,14 @@ using LldpPamSmTxDeath = LldpPamSmTx;
 
 TEST_F(LldpPamSmTxDeath, BrokenInvariantsEndTheProcess) {
    engine.localSystem->localPortDel(port.intfId);
-   EXPECT_DEATH(open(), "localPort\\(\\)");
+   open();
+   EXPECT_FALSE(sm()) << "the registry makes none without";
+   auto clock = Rex::Context::current().clock();
+   EXPECT_DEATH(Rex::make<Lldp::Agent::Protocol::LldpPamSm>(port.intfId, engine.pam(port.intfId),
+                                                            engine.root, clock, clock, clock),
+                "localPort\\(\\)");
    engine.localSystem->localPortIs(port.intfId)
        ->portIdentifierIs({Lldp::PortIdSubtype::interfaceName, Lldp::PortId("Ethernet1", 9)});
-   open();
    engine.config->messageTxIntervalIs(1);
    EXPECT_DEATH(context.advance(5), "config->messageTxInterval\\(\\) >= config->txDelay\\(\\)");
 }
