@@ -137,7 +137,7 @@ TEST_F(RedisStoreTest, AChangeIsMadeOnlyWhereWhatItRequiresIsSo) {
    };
    const auto touch = set("status", "text", "1");
    EXPECT_EQ(client.change({touch, require("status/port/1", "speed", "10")}), ChangeResult::unmet);
-   EXPECT_THAT(state({"status"}), Contains(HasSubstr("uplink")));
+   EXPECT_THAT(state({"status"}), Contains(HasSubstr("up::link")));
    std::string before = client.load({}).last;
    // What is not there has no other value.
    for (const auto& met :
