@@ -150,7 +150,8 @@ void SimulatedStore::add(Change change) {
 Snapshot SimulatedStore::snapshot(const std::vector<std::string>& roots) {
    born();
    Snapshot snapshot{life_, changes_.back().id, {}};
-   for (const auto& [path, row] : rows_) {
+   for (const auto& [place, row] : rows_) {
+      const std::string& path = place;
       bool asked = std::any_of(roots.begin(), roots.end(), [&](const std::string& root) {
          return path == root || path.starts_with(root + '/');
       });
