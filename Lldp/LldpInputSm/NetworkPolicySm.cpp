@@ -28,19 +28,14 @@ void NetworkPolicySm::handleInitialized() {
    for (auto [intfId, portStatus] : status_->portStatus()) handleNetworkPolicyPortStatus(intfId);
 }
 
-// As with PoeSm: where one reaction brings several frames, a report may come too late for the time
-// of change that stands behind it, and is due already.
 void NetworkPolicySm::doNote(const Wirekit::IntfId& intfId) {
-   noted_.insert(intfId, true);
-   if (answeredIn_ == Rex::Dispatcher::reaction && Rex::Dispatcher::running()) handleRequests();
+   if (noted_.add(intfId)) handleRequests();
 }
 
 void NetworkPolicySm::handleRequests() {
-   answeredIn_ = Rex::Dispatcher::reaction;
-   for (auto [intfId, noted] : noted_) {
-      noted_.erase(intfId);
+   noted_.take([this](const Wirekit::IntfId& intfId) {
       if (auto sm = networkPolicyPortStatusSm(intfId)) sm->doSync();
-   }
+   });
 }
 
 void NetworkPolicySm::handlePortConfig(const Wirekit::IntfId& intfId) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Lldp/LldpInputSm/NetworkPolicyPortStatusSm.h"
+#include "Lldp/LldpInputSm/NotedPorts.h"
 #include "Rex/Owned.h"
 #include "Rex/StateMachine.h"
 
@@ -31,8 +32,7 @@ class NetworkPolicySm : public Rex::StateMachine {
    const Lldp::Status::PtrConst status_;
    const Lldp::LocalSystem::Ptr localSystem_;
    Rex::HashMap<Wirekit::IntfId, Lldp::PortConfig::PtrConst> portConfig_;  // watched
-   Rex::HashMap<Wirekit::IntfId, bool> noted_;
-   uint32_t answeredIn_ = Rex::Dispatcher::idle;  // the reaction of the last look
+   NotedPorts noted_;
 
    REX_MACHINES(NetworkPolicyPortStatusSm, networkPolicyPortStatusSm, Wirekit::IntfId)
 };

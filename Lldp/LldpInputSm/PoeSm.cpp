@@ -32,26 +32,17 @@ void PoeSm::handleInitialized() {
    for (auto [name, entity] : poePortStatus_->entityPtr()) handlePowerAgentUpdate(name);
 }
 
-// A port's report may have waited behind the one of the change that woke this machine, when one
-// reaction brought several frames. Its answer is then due already.
 void PoeSm::doNote(const Wirekit::IntfId& intfId) {
-   noted_.insert(intfId, true);
-   if (answeredIn_ == Rex::Dispatcher::reaction && Rex::Dispatcher::running()) {
-      handleRemoteSystem();
-   }
+   if (noted_.add(intfId)) handleRemoteSystem();
 }
 
 void PoeSm::handleRemoteSystem() {
    TRACE(trace, 8, "PoeSm::handleRemoteSystem()");
-   answeredIn_ = Rex::Dispatcher::reaction;
    if (!localSystem_) {
       DualLog(trace, 8, "NO localSystem");
       return;
    }
-   for (auto [intfId, noted] : noted_) {
-      noted_.erase(intfId);
-      doAnswer(intfId);
-   }
+   noted_.take([this](const Wirekit::IntfId& intfId) { doAnswer(intfId); });
 }
 
 void PoeSm::doAnswer(const Wirekit::IntfId& intfId) {

@@ -6,6 +6,7 @@
 // one: PoePortStatusSm notes them, and handleRemoteSystem() takes them up.
 #pragma once
 
+#include "Lldp/LldpInputSm/NotedPorts.h"
 #include "Lldp/LldpInputSm/PoeAgentPortSm.h"
 #include "Lldp/LldpInputSm/PoePortStatusSm.h"
 #include "Rex/Dir.h"
@@ -37,8 +38,7 @@ class PoeSm : public Rex::StateMachine {
    const Lldp::Status::PtrConst status_;
    const Lldp::LocalSystem::Ptr localSystem_;
    const Rex::Dir::PtrConst poePortStatus_;
-   Rex::HashMap<Wirekit::IntfId, bool> noted_;
-   uint32_t answeredIn_ = Rex::Dispatcher::idle;  // the reaction of the last look
+   NotedPorts noted_;
 
    REX_MACHINES(PoeAgentPortSm, poeAgentPortSm, Rex::String)
    REX_MACHINES(PoePortStatusSm, poePortStatusSm, Wirekit::IntfId)
