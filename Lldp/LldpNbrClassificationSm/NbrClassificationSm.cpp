@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "Foreign/Toggle.h"
-#include "Rex/Pending.h"
+#include "Rex/Dispatcher.h"
 #include "Rex/Trace.h"
 
 namespace Lldp::Agent::NbrClassification {
@@ -157,7 +157,7 @@ void NbrClassificationSm::handleNbrClassification() {
 // interfaces behind, at every walk, and notes that wait behind another frame's would come too late
 // for its order: then the walk is made. One that has gone may not have been reported yet.
 std::vector<Heard> NbrClassificationSm::takeDue() {
-   if (!keepsClassificationIntfDown() && Rex::anyPending(isOfNeighbour)) {
+   if (!keepsClassificationIntfDown() && Rex::Dispatcher::anyPending(isOfNeighbour)) {
       for (auto [ethAddr, neighbor] : lldpNeighbor_) toCheck_.insert(ethAddr, true);
       return everyone(*status_);
    }

@@ -5,7 +5,6 @@
 
 #include "Rex/Context.h"
 #include "Rex/Entity.h"
-#include "Rex/Pending.h"
 #include "Rex/StateMachine.h"
 
 namespace Rex {
@@ -126,11 +125,7 @@ void Dispatcher::drain() {
    }
 }
 
-size_t Dispatcher::pending() {
-   return queue.changes.size() - queue.next;
-}
-
-bool anyPending(bool (*ofInterest)(const Entity&, uint32_t attribute)) {
+bool Dispatcher::anyPending(bool (*ofInterest)(const Entity&, uint32_t attribute)) {
    auto waits = queue.changes.begin() + static_cast<std::ptrdiff_t>(queue.next);
    return std::any_of(waits, queue.changes.end(), [&](const Pending& change) {
       return ofInterest(*change.entity, change.attribute);

@@ -62,8 +62,8 @@ class Dispatcher {
    }
 
    static bool running() { return reaction != idle; }
-   // Changes that wait to be delivered.
-   static size_t pending();
+   // Whether a change of interest, of an attribute by its id, waits to be delivered.
+   static bool anyPending(bool (*ofInterest)(const Entity&, uint32_t attribute));
 
  private:
    // A reaction's begin and end; the end also when a test's expected exception passes through.
