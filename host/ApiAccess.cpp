@@ -1,7 +1,6 @@
 #include "host/ApiAccess.h"
 
 #include "Rex/System.h"
-#include "Statestore/Cell.h"
 #include "host/Feeders/Feeders.h"
 #include "host/KnownPaths.h"
 #include "model/CliConfig.h"
@@ -10,8 +9,6 @@ namespace Host {
 
 ApiAccess ApiAccess::besideAgents(Rex::Ptr<Statestore::EntityManager> entityManager) {
    ApiAccess access(std::move(entityManager), Feeders::fedPaths(Feeders::all(), true));
-   // Feeders of a process know their own supervisor's.
-   for (int cell : {1, 2}) access.fed_.insert(Cell::path("sys/net/status", cell).stdString());
    for (const KnownPath& known : knownPaths()) {
       if (known.agents) access.agents_.insert(known.path);
    }

@@ -28,9 +28,6 @@ Rex::Ptr<Rex::Clock> makeClock(const Options& options) {
    return Rex::make<Rex::Clock>(std::make_shared<LinuxTime>(options.runDir));
 }
 
-// Seconds that a process which is to end waits for the store to take what it has still to say.
-constexpr double longestFlush = 2;
-
 }  // namespace
 
 Daemon::Daemon(const Options& options)
@@ -84,18 +81,9 @@ bool Daemon::waitForStore() {
    const std::string words = "waiting for the state store at " + options_.store->text();
    resources_.refusalIs("the agent is " + words + "; its log tells why");
    sd_notify(0, ("READY=1\nSTATUS=" + words).c_str());
-   std::optional<bool> asExpected;
-   store_->load(*agent_->entityManager(), [&](bool ofTheirTypes) {
-      asExpected = ofTheirTypes;
-      loop_.stop();
-   });
-   if (!asExpected) loop_.run(context_);
-   if (asExpected == false) {
-      throw StartError("the state store at " + options_.store->text() +
-                       " has something else where the agent has its state; the log tells where");
-   }
+   bool loaded = store_->load(*agent_->entityManager());
    resources_.refusalIs({});
-   return asExpected.has_value();
+   return loaded;
 }
 
 // Before the agent asks for its mounts, at whose end it looks at its role.
@@ -188,7 +176,7 @@ std::optional<Role> Daemon::run() {
    if (restartAs_) {
       sd_notify(0, "STATUS=beginning anew in another role");
       stopApi();
-      if (store_) store_->flush(longestFlush);
+      if (store_) store_->flush();
       // The sockets' files and locks, which the next to come wants.
       readSocket_.reset();
       socket_.reset();
@@ -200,7 +188,7 @@ std::optional<Role> Daemon::run() {
    Rex::Dispatcher::run([this] { module_->cleanUp(*agent_); });
    if (store_) {
       process_.forgetSignals();
-      store_->flush(longestFlush);
+      store_->flush();
    }
    return std::nullopt;
 }

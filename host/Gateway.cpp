@@ -20,7 +20,6 @@ namespace {
 constexpr int listener = STDIN_FILENO;
 constexpr int command = STDOUT_FILENO;
 constexpr int warning = 4;  // of syslog(3)
-constexpr double longestFlush = 2;
 
 // What the command does not read is lost.
 void tell(const std::string& line) {
@@ -60,18 +59,10 @@ void Gateway::handleLog(const Rex::LogEvent& event) {
 }
 
 bool Gateway::load() {
-   std::optional<bool> asExpected;
-   store_.load(*manager_, [&](bool ofTheirTypes) {
-      asExpected = ofTheirTypes;
-      loop_.stop();
-   });
-   if (!asExpected) loop_.run(context_);
+   bool loaded = store_.load(*manager_);
    loading_ = false;
-   if (asExpected == false) {
-      throw StartError("the state store has something else where agents have their state");
-   }
-   if (!asExpected && !fault_.empty()) throw StartError(fault_);
-   return asExpected.has_value();
+   if (!loaded && !fault_.empty()) throw StartError(fault_);
+   return loaded;
 }
 
 int Gateway::cellOfView(const Statestore::EntityManager& manager) {
@@ -114,7 +105,7 @@ void Gateway::run() {
    server_.reset();
    loop_.descriptorDel(command);
    process_.forgetSignals();
-   if (store_.flush(longestFlush)) tell("taken");
+   if (store_.flush()) tell("taken");
 }
 
 }  // namespace Host

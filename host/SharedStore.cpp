@@ -37,17 +37,26 @@ SharedStore::SharedStore(Rex::Loop& loop, Rex::Context& context, const Redis::St
    for (int cell : {1, 2}) replica_.yieldAt(Cell::path("redundancy/status", cell).stdString());
 }
 
-void SharedStore::load(Statestore::EntityManager& manager, std::function<void(bool)> then) {
+bool SharedStore::load(Statestore::EntityManager& manager) {
    std::vector<std::string> paths;
    for (const KnownPath& known : knownPaths()) {
       manager.entityIs(known.path, known.type);
       paths.push_back(known.path);
    }
-   replica_.loaded(paths, std::move(then));
+   replica_.loaded(paths, [this](bool ofTheirTypes) {
+      loaded_ = ofTheirTypes;
+      loop_.stop();
+   });
+   if (!loaded_) loop_.run(context_);
+   if (loaded_ == false) {
+      throw StartError("the state store at " + text_ +
+                       " has something else where agents have their state; the log tells where");
+   }
+   return loaded_.has_value();
 }
 
-bool SharedStore::flush(double longest) {
-   constexpr double step = 0.01;  // seconds between two looks
+bool SharedStore::flush() {
+   constexpr double longest = 2, step = 0.01;  // seconds; between two looks
    Rex::Timer look(context_.clock());
    double end = context_.clock()->now() + longest;
    look.handlerIs(nullptr, [&] {

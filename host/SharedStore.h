@@ -2,7 +2,6 @@
 // it, and is followed by it.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -21,19 +20,19 @@ class SharedStore {
    // host has no address.
    SharedStore(Rex::Loop& loop, Rex::Context& context, const Redis::StoreUrl& url);
 
-   // Makes every known entity, and calls `then` when what the store holds of them was read, however
-   // late that is: as a handler, with false when an entity of another type stands at one of the
-   // paths.
-   void load(Statestore::EntityManager& manager, std::function<void(bool)> then);
+   // Makes every known entity, and runs the loop until what the store holds of them was read, or
+   // something else stopped the loop; false then. Throws StartError when the store has something
+   // else where agents have their state. Called once.
+   bool load(Statestore::EntityManager& manager);
 
    // What the store has to say for anything of this process to go out (writeGuard()).
    void guardIs(std::optional<Statestore::Operation> guard) { replica_.guardIs(std::move(guard)); }
    // The role is lost: what was changed until now still goes out, if the store lets it, and nothing
    // after that; and nothing comes in.
    void freeze() { replica_.freeze(); }
-   // Runs the loop until all that was written is in the store, but no longer than these seconds.
-   // Returns whether it is.
-   bool flush(double longest);
+   // For a process that is to end: runs the loop until all that was written is in the store, but no
+   // longer than two seconds. Returns whether it is.
+   bool flush();
    // Whether the store answers.
    bool isUp() const { return store_.up(); }
 
@@ -46,6 +45,7 @@ class SharedStore {
    const std::string text_;
    Redis::RedisStore store_;
    Statestore::Replica replica_;
+   std::optional<bool> loaded_;  // and of the expected types
 };
 
 }  // namespace Host

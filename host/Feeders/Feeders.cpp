@@ -93,7 +93,7 @@ std::set<std::string> Feeders::fedPaths(const std::set<std::string>& enabled, bo
       paths.merge(LinksFeeder::fedPaths());
       if (feeds(addresses)) paths.merge(AddressFeeder::fedPaths());
    }
-   if (feeds(host)) paths.merge(HostFeeder::fedPaths());
+   if (feeds(host)) paths.merge(HostFeeder::fedPaths(chassis));
    return paths;
 }
 

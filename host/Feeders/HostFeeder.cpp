@@ -8,8 +8,8 @@ namespace {
 
 constexpr const char* mibPath = "hardware/entmib";
 
-Rex::String netPath() {
-   return Cell::path("sys/net/status", 0);
+Rex::String netPath(int cell) {
+   return Cell::path("sys/net/status", cell);
 }
 
 // A value as the shell would read it (os-release(5)).
@@ -55,11 +55,12 @@ std::string HostFacts::systemName(std::string_view osRelease) {
 }
 
 HostFeeder::HostFeeder(const Rex::Ptr<Statestore::EntityManager>& entityManager)
-    : net_(fedEntity<System::NetStatus>(*entityManager, netPath().view())),
+    : net_(fedEntity<System::NetStatus>(*entityManager, netPath(0).view())),
       mib_(fedEntity<EntityMib::Status>(*entityManager, mibPath)) {}
 
-std::set<std::string> HostFeeder::fedPaths() {
-   return {mibPath, netPath().stdString()};
+std::set<std::string> HostFeeder::fedPaths(bool chassis) {
+   if (!chassis) return {mibPath, netPath(0).stdString()};
+   return {mibPath, netPath(1).stdString(), netPath(2).stdString()};
 }
 
 void HostFeeder::factsAre(const HostFacts& facts) {

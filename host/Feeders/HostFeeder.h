@@ -29,7 +29,8 @@ class HostFeeder {
  public:
    explicit HostFeeder(const Rex::Ptr<Statestore::EntityManager>& entityManager);
 
-   static std::set<std::string> fedPaths();
+   // `chassis`: the other supervisor's feeder writes too, in its place.
+   static std::set<std::string> fedPaths(bool chassis);
    void factsAre(const HostFacts& facts);
    // The description is of the system, and so the active supervisor's to tell; the name is each
    // supervisor's own.
