@@ -16,6 +16,14 @@ void Pending::noteFirst(RowSm& row, const Rex::Member& member, const Rex::AnyKey
    index_.insert(notes_.insert(notes_.begin(), Note{Rex::Ptr<RowSm>(&row), &member, key}));
 }
 
+void Pending::drop(const RowSm& row, const Rex::Member& member, const Rex::AnyKey& key) {
+   auto at = index_.find(Look{&row, &member, &key});
+   if (at == index_.end()) return;
+   Notes::iterator note = *at;
+   index_.erase(at);
+   notes_.erase(note);
+}
+
 bool Pending::has(const RowSm& row, const Rex::Member& member, const Rex::AnyKey& key) const {
    return index_.contains(Look{&row, &member, &key});
 }

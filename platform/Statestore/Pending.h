@@ -25,6 +25,8 @@ class Pending {
    void note(RowSm& row, const Rex::Member& member, const Rex::AnyKey& key);
    // Puts a place that is not pending before all others.
    void noteFirst(RowSm& row, const Rex::Member& member, const Rex::AnyKey& key);
+   // The place is pending no more, if it was.
+   void drop(const RowSm& row, const Rex::Member& member, const Rex::AnyKey& key);
    bool has(const RowSm& row, const Rex::Member& member, const Rex::AnyKey& key) const;
    // The first, which is pending no more. Nothing of a row that is closed.
    std::optional<Note> take();

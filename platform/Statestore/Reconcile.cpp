@@ -38,8 +38,14 @@ bool isSame(const RowSm& row, const RowImage& image) {
 
 void Reconcile::root(RowSm& root) {
    const RowImage* image = images_.at(root.path());
-   if (image) return row(root, *image);
    const auto& members = root.entity()->entityType().members();
+   if (image) {
+      // Somebody else made it first: the place that stood for the whole, below, says nothing.
+      if (!members.empty() && !root.authored(*members.front())) {
+         table_.pending.drop(root, *members.front(), {});
+      }
+      return row(root, *image);
+   }
    const bool sends = (restore_ || anyAuthored(root)) && !members.empty();
    root.allStatesIs(sends ? RowSm::State::fresh : RowSm::State::unwritten);
    // Others may make it before.

@@ -13,11 +13,6 @@ namespace {
 
 const Rex::TraceHandle trace("Statestore", false);
 
-const Rex::LogHandle STATESTORE_CHANGE_REFUSED(
-    "STATESTORE_CHANGE_REFUSED", 3,
-    "The state store refuses changes; the next try is in %s seconds.",
-    "The store has no memory left, or is read-only. Nothing is lost as long as this process runs.",
-    "Give the store memory, or make it writable.", 60, 1, 0);
 const Rex::LogHandle STATESTORE_CHANGE_UNMET(
     "STATESTORE_CHANGE_UNMET", 4,
     "What this process changes is not written: in the state store %s is not %s.",
@@ -399,11 +394,10 @@ void Replica::handleSent(ChangeResult result) {
          flight_->state = Flight::State::waiting;
          retry_.timeMinIs(context_.clock()->now() + firstRetry);
          return;
-      case ChangeResult::refused:
+      case ChangeResult::refused:  // the store tells the operator
          flight_->state = Flight::State::waiting;
          retryAfter_ = std::clamp(2 * retryAfter_, firstRetry, lastRetry);
          retry_.timeMinIs(context_.clock()->now() + retryAfter_);
-         Rex::log(STATESTORE_CHANGE_REFUSED, retryAfter_);
          return;
    }
 }
