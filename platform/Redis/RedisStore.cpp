@@ -159,7 +159,7 @@ void RedisStore::read(const std::string& life, const std::string& after,
               handleGood();
               life_ = life;
               malformedEntries_ += changes->malformed;
-              if (changes->malformed) log_.malformed(changes->changes.back().id);
+              if (changes->malformed) log_.malformed(changes->lastMalformed);
               answer(std::move(changes->changes));
            }));
 }

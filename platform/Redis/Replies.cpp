@@ -99,8 +99,9 @@ class Assembly {
 
  private:
    void skip(std::string id) {
-      made_.changes.push_back({std::move(id), {}, 0, {}});
       ++made_.malformed;
+      made_.lastMalformed = id;
+      made_.changes.push_back({std::move(id), {}, 0, {}});
    }
    void giveUp() {
       skip(std::move(open_->id));

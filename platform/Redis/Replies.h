@@ -26,7 +26,8 @@ bool mayHoldRow(std::string_view value);
 struct Changes {
    // An entry that is no change, and an empty one, stands as a change of no writer.
    std::vector<Statestore::Change> changes;
-   size_t malformed = 0;  // entries that are no change
+   size_t malformed = 0;       // entries that are no change
+   std::string lastMalformed;  // id of the last of them
 };
 // Nothing for what is no list of entries.
 std::optional<Changes> parseChanges(const redisReply& reply);
