@@ -93,14 +93,14 @@ void Agent::await(const std::function<bool()>& done) {
    }
 }
 
-std::optional<Json> Agent::findTable(const std::string& path) {
+std::optional<Json> Agent::findEntity(const std::string& path) {
    return client_.find(fmt::format("/v1/entity/{}?depth=0", path));
 }
 
 std::vector<std::string> Agent::portNames() {
    Names names;
    for (const std::string& path : {std::string(mergedStatus), ownStatus_}) {
-      if (auto status = findTable(path)) names.merge(namesIn(status->at("portStatus")));
+      if (auto status = findEntity(path)) names.merge(namesIn(status->at("portStatus")));
    }
    return {names.begin(), names.end()};
 }
@@ -126,9 +126,9 @@ Ports Agent::portStatuses(const std::optional<std::string>& port, bool withNeigh
 
 // A table without ports is kept by nobody, or says no more than this supervisor's own.
 Json Agent::table() {
-   auto merged = findTable(mergedStatus);
+   auto merged = findEntity(mergedStatus);
    if (merged && !merged->at("portStatus").empty()) return *std::move(merged);
-   auto own = findTable(ownStatus_);
+   auto own = findEntity(ownStatus_);
    if (!own && merged) return *std::move(merged);
    return own ? *std::move(own) : entity(ownStatus_, 0);
 }

@@ -37,6 +37,8 @@ class Agent {
    // An entity by its path. `levels` of what it owns come with it, and of what is deeper only that
    // it is there.
    Json entity(const std::string& path, int levels);
+   // The same without what it owns; nothing when it does not stand.
+   std::optional<Json> findEntity(const std::string& path);
    // The members of one of its collections, by port. They are read one by one, so that no answer
    // grows with the number of ports.
    Ports ports(const std::string& path, std::string_view collection);
@@ -65,8 +67,6 @@ class Agent {
    double now_ = 0;
    int cell_ = 0;
    std::string ownStatus_;  // path of what this supervisor has learned
-
-   std::optional<Json> findTable(const std::string& path);
 };
 
 }  // namespace LldpCli

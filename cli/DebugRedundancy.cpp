@@ -28,7 +28,6 @@ constexpr auto roles = std::to_array<Role>({
 });
 constexpr const Role& activeRole = roles[0];
 constexpr const Role& standbyRole = roles[1];
-const std::string entities = "/v1/entity/";
 const std::array<std::string, 2> cells = {"1", "2"};
 
 struct Options {
@@ -77,7 +76,7 @@ void set(const Options& options, Session& session) {
    Json changes = Json::array();
    if (&role == &activeRole) {
       const std::string& other = cells[cell == cells[0] ? 1 : 0];
-      auto status = agent.client().find(entities + pathOf(other));
+      auto status = agent.findEntity(pathOf(other));
       if (status && isActive(*status)) changes.push_back(changeOf(other, standbyRole));
    }
    changes.push_back(changeOf(cell, role));
@@ -89,7 +88,7 @@ void show(const Options& options, Session& session) {
    Agent agent(session);
    Json list = Json::array();
    for (const std::string& cell : cells) {
-      auto status = agent.client().find(entities + pathOf(cell));
+      auto status = agent.findEntity(pathOf(cell));
       if (!status) continue;
       list.push_back({{"cell", std::stoi(cell)},
                       {"protocol", text(status->at("protocol"))},

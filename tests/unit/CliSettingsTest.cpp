@@ -230,9 +230,9 @@ TEST_F(CliSet, RedundancyOfEitherSupervisor) {
    const std::string active = R"("protocol":"protocolHotStandby","mode":"modeActive")";
    const std::string standby = R"("protocol":"protocolHotStandby","mode":"modeStandby")";
    const std::string none = R"("protocol":"protocolNone","mode":"modeUnknown")";
-   agent.answer("/v1/entity/cell/1/redundancy/status", "200 OK", "{" + active + "}");
-   agent.answerOnce("/v1/entity/cell/2/redundancy/status", "200 OK", "{" + standby + "}");
-   agent.answer("/v1/entity/cell/2/redundancy/status", "200 OK", "{" + none + "}");
+   agent.answer("/v1/entity/cell/1/redundancy/status?depth=0", "200 OK", "{" + active + "}");
+   agent.answerOnce("/v1/entity/cell/2/redundancy/status?depth=0", "200 OK", "{" + standby + "}");
+   agent.answer("/v1/entity/cell/2/redundancy/status?depth=0", "200 OK", "{" + none + "}");
    agent.answer("POST /v1/changes", "204 No Content", "");
    agent.start();
    auto change = [](const std::string& cell, const std::string& body) {
