@@ -85,7 +85,8 @@ def test_a_store_that_cannot_be_used_is_one_line_and_bounded_retries(fresh, term
     time.sleep(1)
     (line,) = terminal.lines("STATE_STORE")
     assert reason in line and "right" not in line and agent.alive()
-    assert connections(fresh) - before <= 2 * 6, "0.1, 0.2, 0.4, 0.8 seconds apart, shortened"
+    if word == "STATE_STORE_ACCESS_REFUSED":  # who does not reach the server is not counted there
+        assert 2 < connections(fresh) - before <= 2 * 6, "0.1, 0.2, 0.4, 0.8 seconds apart, shortened"
     assert agent.stop() == 0
 
 
