@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "Rex/Pool.h"
+#include "bench/NumberedFrame.h"
 #include "support/Endpoints.h"
 #include "support/FrameBuilder.h"
 #include "support/TestContext.h"
@@ -85,26 +86,19 @@ class Crowd {
    // The heap and the pool, which takes its memory elsewhere.
    static size_t memory() { return mallinfo2().uordblks + Rex::Pool::inUse(); }
 
-   // The frame of neighbour `n`. It is made from one that stays in the cache, as a frame does that
-   // the device has just delivered.
+   // The frame of neighbour `n`.
    void receive(uint32_t n) {
       std::string& frame = isPhone(n) ? phoneFrame_ : frame_;
-      for (size_t i = 0; i < 4; ++i) {
-         frame[numberAt + i] = static_cast<char>(n >> (24 - 8 * i));
-         if (cast_.perPhone) frame[sourceAt + i] = frame[numberAt + i];
-      }
+      Bench::chassisNumberIs(frame, n);
+      if (cast_.perPhone) Bench::sourceNumberIs(frame, n);
       if (cast_.news) frame[nameAt] = static_cast<char>('a' + random_() % 26);
       context_.timeIs(context_.now() + 10e-6);
       pams_[n % pams_.size()]->rxFrameIs(LldpTest::octetsOf(frame), {});
       context_.settle();
    }
 
-   // Behind the Ethernet header: TLV header, subtype, and the first two octets of the address.
-   static constexpr size_t numberAt = 14 + 2 + 1 + 2;
    // A telephone's name, behind the TLVs for chassis, port and time to live.
    static const inline size_t nameAt = 14 + LldpTest::mandatory(1, 65535).size() + 2;
-   // The last octets of the frame's source address.
-   static constexpr size_t sourceAt = 6 + 2;
 
    LldpTest::TestContext context_;
    Engine engine_;

@@ -2,44 +2,23 @@
 // its way from the wire to the port's reader. Skipped without the right to make a network
 // namespace.
 #include <benchmark/benchmark.h>
-#include <net/if.h>
-#include <sched.h>
 #include <sys/epoll.h>
 
-#include <cstdio>
-#include <string>
 #include <vector>
 
 #include "Interface/LinuxPamMaker.h"
 #include "Rex/Clock.h"
 #include "Rex/Loop.h"
 #include "Rex/StateMachine.h"
+#include "bench/Wires.h"
 
 namespace {
 
+using Bench::device;
 using Interface::LinuxPamMaker;
 using Interface::PamConfig;
 
 constexpr int ports = 500;
-
-std::string device(int i) {
-   return "p" + std::to_string(i);
-}
-
-// Pairs of devices that are joined by a wire: p0 and p1, p2 and p3, ...
-bool makeDevices() {
-   static const bool made = [] {
-      if (unshare(CLONE_NEWNET) != 0) return false;
-      FILE* batch = popen("ip -batch -", "w");
-      for (int i = 0; i < ports; i += 2) {
-         fprintf(batch, "link add name %s type veth peer name %s\n", device(i).c_str(),
-                 device(i + 1).c_str());
-      }
-      for (int i = 0; i < ports; ++i) fprintf(batch, "link set dev %s up\n", device(i).c_str());
-      return pclose(batch) == 0;
-   }();
-   return made;
-}
 
 struct World {
    World() {
@@ -50,8 +29,8 @@ struct World {
       config.filter = {{0x28, 0, 0, 12}, {0x15, 0, 1, 0x88CC}, {6, 0, 0, 0xFFFF}, {6, 0, 0, 0}};
    }
    Rex::Ptr<Wirekit::Pam> make(int i) {
-      int ifIndex = static_cast<int>(if_nametoindex(device(i).c_str()));
-      return maker.make({Wirekit::IntfId(device(i)), device(i), ifIndex}, config).pam;
+      Wirekit::IntfId intfId(device(i));
+      return maker.make({intfId, device(i), Bench::deviceIndex(i)}, config).pam;
    }
    Rex::Context context{Rex::make<Rex::Clock>(std::make_shared<Rex::ManualTime>())};
    Rex::ContextScope scope{context};
@@ -76,7 +55,7 @@ class TakerSm : public Rex::StateMachine {
 };
 
 void openAndCloseAllPorts(benchmark::State& state) {
-   if (!makeDevices()) return state.SkipWithError("no network namespace");
+   if (!Bench::makeDevices(ports)) return state.SkipWithError("no network namespace");
    World world;
    for (auto _ : state) {
       std::vector<Rex::Ptr<Wirekit::Pam>> pams;
@@ -88,7 +67,7 @@ BENCHMARK(openAndCloseAllPorts)->Unit(benchmark::kMillisecond);
 
 // Bursts of the given size, sent by one port and read by another.
 void takeBurst(benchmark::State& state) {
-   if (!makeDevices()) return state.SkipWithError("no network namespace");
+   if (!Bench::makeDevices(ports)) return state.SkipWithError("no network namespace");
    World world;
    auto from = world.make(0), to = world.make(1);
    auto taker = Rex::make<TakerSm>(to, world.loop);

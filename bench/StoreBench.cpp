@@ -22,6 +22,7 @@
 #include "Rex/Pool.h"
 #include "Statestore/EntityManager.h"
 #include "Statestore/Replica.h"
+#include "bench/NumberedFrame.h"
 #include "support/Engine.h"
 #include "support/FrameBuilder.h"
 #include "support/RedisServer.h"
@@ -215,12 +216,9 @@ class Switch {
       devices_->plug(intf(i).stringValue(), Rex::make<Interface::Segment>(turns.context.clock()));
    }
    void receive(uint32_t n) {
-      for (size_t i = 0; i < 4; ++i) frame_[numberAt + i] = static_cast<char>(n >> (24 - 8 * i));
+      Bench::chassisNumberIs(frame_, n);
       Rex::Dispatcher::run([&] { pams_[n % ports]->rxFrameIs(LldpTest::octetsOf(frame_), {}); });
    }
-
-   // Behind the Ethernet header: TLV header, subtype, and the first two octets of the address.
-   static constexpr size_t numberAt = 14 + 2 + 1 + 2;
 
    Rex::ContextScope scope_;
    const std::shared_ptr<Interface::SegmentPamMaker> devices_ =
