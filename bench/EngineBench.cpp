@@ -55,6 +55,11 @@ class Crowd {
       size_t before = memory();
       for (uint32_t n : order) receive(n);
       octetsPerNeighbour_ = double(memory() - before) / cast.neighbours;
+      // Afterwards all are known for some time, as they are to an agent that has run for minutes.
+      constexpr int rounds = 10;
+      for (int round = 0; round < rounds; ++round) {
+         for (uint32_t n : order) receive(n);
+      }
    }
 
    const Cast& cast() const { return cast_; }

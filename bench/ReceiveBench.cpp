@@ -7,9 +7,11 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <memory>
 #include <random>
+#include <system_error>
 #include <vector>
 
 #include "Interface/LinuxPamMaker.h"
@@ -59,9 +61,13 @@ class Receiver {
       std::vector<uint32_t> order(neighbours);
       for (uint32_t n = 0; n < neighbours; ++n) order[n] = n;
       std::shuffle(order.begin(), order.end(), random_);
-      for (uint32_t n : order) {
-         send(n);
-         receive(1);
+      // Afterwards all are known for some time, as they are to an agent that has run for minutes.
+      constexpr int rounds = 10;
+      for (int round = 0; round < rounds; ++round) {
+         for (uint32_t n : order) {
+            send(n);
+            receive(1);
+         }
       }
    }
    ~Receiver() {
@@ -103,7 +109,10 @@ class Receiver {
       sockaddr_ll to{};
       to.sll_family = AF_PACKET;
       to.sll_ifindex = peers_[n % peers_.size()];
-      sendto(sender_, frame_.data(), frame_.size(), 0, reinterpret_cast<sockaddr*>(&to), sizeof to);
+      auto* address = reinterpret_cast<sockaddr*>(&to);
+      if (sendto(sender_, frame_.data(), frame_.size(), 0, address, sizeof to) < 0) {
+         throw std::system_error(errno, std::generic_category(), "sendto");
+      }
    }
 
    const uint32_t neighbours_;

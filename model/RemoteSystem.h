@@ -5,6 +5,7 @@
 #include "Wirekit/EthAddr.h"
 #include "model/Basic.h"
 #include "model/Identifiers.h"
+#include "model/LastLldpdu.h"
 #include "model/LocationId.h"
 #include "model/Organisation.h"
 
@@ -71,7 +72,7 @@ struct RemoteSystem : Rex::Entity {
 
    // The octets of the LLDPDU that was read into this last: the same again would change nothing.
    // For the codec, which alone writes what it read; no attribute, and no one else's.
-   Rex::String lastLldpdu;
+   LastLldpdu lastLldpdu;
 
    RemoteSystem(int index, const Msap& msap) : index_(index), msap_(msap) {}
    const ChassisIdentifier& chassisId() const { return msap_.chassisIdentifier; }

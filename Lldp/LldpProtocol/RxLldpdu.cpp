@@ -5,6 +5,7 @@
 #include "Lldp/LldpProtocol/Compare.h"
 #include "Lldp/LldpProtocol/OptionalTlvs.h"
 #include "Lldp/LldpProtocol/Trace.h"
+#include "Lldp/LldpProtocol/Whereabouts.h"
 #include "Lldp/LogEvents.h"
 #include "Rex/System.h"
 
@@ -118,38 +119,14 @@ RemoteSystem::Ptr newNeighbour(const Msap& msap, const PortConfig& portConfig, S
    return remoteSystem;
 }
 
-constexpr size_t cacheLine = 64;
-
-// The compiler drops a function that does nothing but fetch, unless it has an effect.
-void fetch(const void* begin, const void* end) {
-   for (const char* at = static_cast<const char*>(begin); at < end; at += cacheLine) {
-      __builtin_prefetch(at, 1);
-   }
-   asm volatile("");
-}
-
-// With many neighbours, the one that sent the frame is in no cache: what a refresh needs of it
-// comes while the optional TLVs are read.
-void prefetchNeighbour(const PortStatus& portStatus, const Msap& msap) {
-   portStatus.remoteSystemByMsap().prefetch(
-       msap, [](const Msap& known, const RemoteSystem::Ptr& remoteSystem) {
-          const char* chassis = known.chassisIdentifier.value.charPtr();
-          const char* port = known.portIdentifier.value.charPtr();
-          fetch(chassis, chassis + 1);
-          fetch(port, port + 1);
-          fetch(remoteSystem.get(), static_cast<const Rex::Entity*>(remoteSystem.get()) + 1);
-          fetch(&remoteSystem->creationTime(), remoteSystem.get() + 1);
-       });
-}
-
-// Whether the neighbour's last frame said the same, octet by octet.
-bool isRepeated(const RemoteSystem& remoteSystem, std::string_view lldpdu) {
-   const char* last = remoteSystem.lastLldpdu.charPtr();
-   fetch(last, last + lldpdu.size());
-   return remoteSystem.lastLldpdu.view() == lldpdu;
-}
+// Of the neighbours on all ports.
+Whereabouts whereabouts;
 
 }  // namespace
+
+void expectLldpdu(std::string_view lldpdu) {
+   whereabouts.expect(Whereabouts::senderOf(lldpdu));
+}
 
 RemoteSystem::PtrConst processRxLldpdu(char* begin, char* end, PortConfig::PtrConst portConfig,
                                        Status::Ptr status, PortStatus::Ptr portStatus,
@@ -157,6 +134,9 @@ RemoteSystem::PtrConst processRxLldpdu(char* begin, char* end, PortConfig::PtrCo
    // One time for all that this frame sets.
    const double now = Rex::System::currentTime();
    portStatus->rxFramesTotalInc(1);
+   const std::string_view lldpdu(begin, static_cast<size_t>(end - begin));
+   const auto sender = Whereabouts::senderOf(lldpdu);
+   whereabouts.fetch(sender);
 
    const char* cursor = begin;
    Msap msap;
@@ -169,7 +149,7 @@ RemoteSystem::PtrConst processRxLldpdu(char* begin, char* end, PortConfig::PtrCo
    }
    TRACE(codecTrace, 4, "Received info frame from " << msap << " valid for " << ttl << " seconds");
 
-   prefetchNeighbour(*portStatus, msap);
+   portStatus->remoteSystemByMsap().prefetch(msap);
 
    // The frame is read apart from all tables, so that a fatal error leaves no trace in them and
    // watchers see nothing transient.
@@ -180,8 +160,15 @@ RemoteSystem::PtrConst processRxLldpdu(char* begin, char* end, PortConfig::PtrCo
    }
 
    bool changed = false;
-   RemoteSystem::Ptr remoteSystem = portStatus->remoteSystemByMsap(msap);
-   if (remoteSystem) {
+   RemoteSystem::Ptr remoteSystem;
+   bool repeated = false;
+   // Who said the same before, octet by octet, has the same identifiers.
+   auto said = [&](const RemoteSystem::Ptr& known) {
+      return repeated = known->lastLldpdu == lldpdu;
+   };
+   const auto* found = portStatus->remoteSystemByMsap().find(msap, said);
+   if (found) {
+      remoteSystem = *found;
       TRACE(codecTrace, 4, "Updating RemoteSystem");
    } else if (portStatus->remoteSystems() >= portConfig->maxRemoteSystems()) {
       TRACE(codecTrace, 2, "Not creating RemoteSystem for " << msap << " because limit reached");
@@ -193,12 +180,11 @@ RemoteSystem::PtrConst processRxLldpdu(char* begin, char* end, PortConfig::PtrCo
       changed = true;
    }
 
-   std::string_view lldpdu(begin, static_cast<size_t>(end - begin));
-   if (!isRepeated(*remoteSystem, lldpdu)) {
+   if (!repeated) {
       // A new time to live alone is no change.
       remoteSystem->ttlIs(ttl);
       if (copyChanges(*scratch, *remoteSystem)) changed = true;
-      remoteSystem->lastLldpdu = Rex::String(lldpdu);
+      remoteSystem->lastLldpdu = lldpdu;
    }
    remoteSystem->ethAddrIs(srcAddr);
    remoteSystem->lastRefreshTimeIs(now);
@@ -213,6 +199,7 @@ RemoteSystem::PtrConst processRxLldpdu(char* begin, char* end, PortConfig::PtrCo
       TRACE(codecTrace, 8, "Frame had an error");
       portStatus->rxFramesErrorsInc(1);
    }
+   if (found) whereabouts.note(sender, *remoteSystem, *found);
    return remoteSystem;
 }
 

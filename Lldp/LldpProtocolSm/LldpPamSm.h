@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "Interface/EthPhyIntfStatus.h"
 #include "Lldp/LldpProtocolSm/TxFsm.h"
@@ -80,6 +81,7 @@ class LldpPamSm : public Rex::StateMachine {
    Wirekit::Pkt::Ptr doBuildLldpdu();
 
    // Receive side.
+   static void handleArrival(std::span<const uint8_t> frame);
    void handleReadableCount();
    bool takeHeader(Wirekit::Pkt& pkt);
    void handleLldpdu(Wirekit::Pkt& pkt, const Wirekit::EthHdr& header);

@@ -43,6 +43,12 @@ void takeSeparateTag(Wirekit::Pkt& pkt) {
 
 }  // namespace
 
+void LldpPamSm::handleArrival(std::span<const uint8_t> frame) {
+   if (frame.size() <= sizeof(Wirekit::EthHdr)) return;
+   auto lldpdu = frame.subspan(sizeof(Wirekit::EthHdr));
+   expectLldpdu({reinterpret_cast<const char*>(lldpdu.data()), lldpdu.size()});
+}
+
 // One frame for each run: the packet access object asks again as long as frames wait, so that the
 // other ports have their turn in between.
 void LldpPamSm::handleReadableCount() {

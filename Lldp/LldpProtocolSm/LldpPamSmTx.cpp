@@ -37,6 +37,7 @@ LldpPamSm::LldpPamSm(const Wirekit::IntfId& intfId, Wirekit::Pam::Ptr pam, Rex::
    on(portConfig_, PortConfig::adminStatusAttr, &LldpPamSm::handleAdminStatus);
    onLast(portStatus_, PortStatus::remoteSystemAttr, &LldpPamSm::handleRemoteSystem);
 
+   pam_->heraldIs(handleArrival);
    handleInitialized();
 }
 

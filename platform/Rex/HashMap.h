@@ -30,10 +30,10 @@ class HashMap {
    // Up to `linear` members are found by looking at each, more through `slots`, an open-addressed
    // table of positions + 1.
    struct Entry {
+      V value;  // in front: who has fetched what find() gave has what it looks at
       size_t hash;
       bool live;
       K key;
-      V value;
    };
    struct Table {
       uint32_t references = 1;
@@ -111,19 +111,22 @@ class HashMap {
       return at == none ? nullptr : &table_->entries[at].value;
    }
 
+   // The same, for a caller that may know the value by itself: where `isMeant` says that a value is
+   // the key's, the keys are not compared.
+   template <class IsMeant>
+   const V* find(const K& key, IsMeant&& isMeant) const {
+      if (!table_ || !table_->live) return nullptr;
+      size_t at = position(hashOf(key), [&](const Entry& entry) {
+         return isMeant(entry.value) || entry.key == key;
+      });
+      return at == none ? nullptr : &table_->entries[at].value;
+   }
+
    // For a caller that has other work to do before it looks for `key` in a large map: begins to
-   // fetch what find() will look at. `more` is handed the key and the value that are probably
-   // meant, to fetch what these point at.
-   template <class More>
-   void prefetch(const K& key, More&& more) const {
+   // fetch what find() looks at first.
+   void prefetch(const K& key) const {
       if (!table_ || table_->slots.empty()) return;
-      size_t hash = hashOf(key);
-      const auto& slots = table_->slots;
-      size_t mask = slots.size() - 1;
-      for (size_t slot = spread(hash) & mask; slots[slot]; slot = (slot + 1) & mask) {
-         const Entry& entry = table_->entries[slots[slot] - 1];
-         if (entry.live && entry.hash == hash) return more(entry.key, entry.value);
-      }
+      __builtin_prefetch(&table_->slots[spread(hashOf(key)) & (table_->slots.size() - 1)]);
    }
 
    // Adds or replaces.
@@ -135,7 +138,7 @@ class HashMap {
          std::swap(table_->entries[at].value, value);  // the old value goes last, at the brace
          return;
       }
-      table_->entries.push_back({hash, true, key, std::move(value)});
+      table_->entries.push_back({std::move(value), hash, true, key});
       ++table_->live;
       if (table_->slots.empty() ? table_->entries.size() > linear
                                 : table_->entries.size() * 2 > table_->slots.size()) {
@@ -189,17 +192,21 @@ class HashMap {
    }
 
    size_t position(const K& key, size_t hash) const {
+      return position(hash, [&](const Entry& entry) { return entry.key == key; });
+   }
+   template <class Matches>
+   size_t position(size_t hash, Matches&& matches) const {
       const auto& entries = table_->entries;
       if (table_->slots.empty()) {
          for (size_t i = 0; i < entries.size(); ++i) {
-            if (entries[i].live && entries[i].hash == hash && entries[i].key == key) return i;
+            if (entries[i].live && entries[i].hash == hash && matches(entries[i])) return i;
          }
          return none;
       }
       size_t mask = table_->slots.size() - 1;
       for (size_t slot = spread(hash) & mask; table_->slots[slot]; slot = (slot + 1) & mask) {
          const Entry& entry = entries[table_->slots[slot] - 1];
-         if (entry.live && entry.hash == hash && entry.key == key) return table_->slots[slot] - 1;
+         if (entry.live && entry.hash == hash && matches(entry)) return table_->slots[slot] - 1;
       }
       return none;
    }

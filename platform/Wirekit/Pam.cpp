@@ -45,6 +45,7 @@ bool Pam::rxFrameIs(std::span<const uint8_t> frame, const std::optional<VlanTag>
       rxDropsInc(1);
       return false;
    }
+   if (herald_) herald_(frame);
    if (separateTag) pkt->separateVlanTagIs(*separateTag);
    queue_.push(std::move(pkt));
    // A turn that was asked for keeps its place among those of the other ports.

@@ -39,6 +39,11 @@ class Pam : public Rex::Entity {
    bool rxFrameIs(std::span<const uint8_t> frame, const std::optional<VlanTag>& separateTag);
    size_t rxFrames() const { return queue_.size(); }
 
+   // Is shown each frame that arrives, before it waits: what its reader will need can begin to come
+   // from memory meanwhile. It changes nothing.
+   using Herald = void (*)(std::span<const uint8_t> frame);
+   void heraldIs(Herald herald) { herald_ = herald; }
+
    // Unplugs: nothing is received or sent from here on, and waiting frames are let go.
    void close();
    bool closed() const { return closed_; }
@@ -55,6 +60,7 @@ class Pam : public Rex::Entity {
    Pkt::Manager& packets_;
    Rex::Timer turn_;
    PktQueue queue_;
+   Herald herald_ = nullptr;
    bool closed_ = false;
    bool dropping_ = false;  // the last frame found no room
    double patience_ = 0;    // seconds until a watcher that took nothing is asked again

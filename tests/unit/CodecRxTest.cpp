@@ -63,6 +63,23 @@ TEST_F(CodecRx, EveryPrefixOfTheMandatoryTlvsIsRefused) {
    }
 }
 
+// A neighbour's last frame is kept, and the same again is not compared by what it says. The first
+// 256 octets of it stand apart from the rest.
+TEST_F(CodecRx, AFrameRepeatsAnotherOnlyToItsLastOctet) {
+   CodecPort port;
+   for (size_t length : {1, 100, 229, 230, 231, 255}) {
+      SCOPED_TRACE(length);
+      for (char end : {'a', 'b', 'a'}) {
+         port.receive(mandatory() + tlv(5, std::string(length - 1, 'x') + end));
+         EXPECT_EQ(port.neighbour(1)->sysName().tlvInfo.view(), std::string(length - 1, 'x') + end);
+      }
+      std::string name(length, 'y');
+      port.receive(mandatory() + tlv(5, name) + tlv(6, std::string(100, 'd')));
+      port.receive(mandatory() + tlv(5, name));
+      EXPECT_FALSE(port.neighbour(1)->sysDesc().tlvReceived);
+   }
+}
+
 TEST_F(CodecRx, CountersAndTimesOfEachOutcome) {
    const std::string bad = organization(0xABCDEF, 0, "");
    const std::string fatal = timeToLive(5);

@@ -76,6 +76,30 @@ TEST(RexMap, AValuesEndMayChangeTheMapOrLetItGo) {
    meddle<Rex::OrderedMap>();
 }
 
+namespace {
+struct NumberKey {
+   int number = 0;
+   bool sameAsNone = false;  // equal to no key, itself included
+   bool operator==(const NumberKey& other) const {
+      return !sameAsNone && !other.sameAsNone && number == other.number;
+   }
+   friend size_t hash_value(const NumberKey& key) { return static_cast<size_t>(key.number) % 3; }
+};
+}  // namespace
+
+TEST(RexMap, IsSearchedByACallersOwnKnowledgeFirst) {
+   for (int size : {6, 60}) {
+      Rex::HashMap<NumberKey, int> map;
+      for (int i = 0; i < size; ++i) map.insert({i}, i);
+      for (int i = 0; i < size; ++i) {
+         map.prefetch({i});
+         EXPECT_EQ(map.find({i}, [](int) { return false; }), map.find({i}));
+         EXPECT_EQ(map.find({i, true}, [&](int value) { return value == i; }), map.find({i}));
+         EXPECT_EQ(map.find({i, true}, [](int) { return false; }), nullptr);
+      }
+   }
+}
+
 TEST(RexMap, StaysSmallUnderInsertionAndDeletionForever) {
    Rex::HashMap<int, int> map;
    for (int i = 0; i < 100; ++i) map.insert(i, i);

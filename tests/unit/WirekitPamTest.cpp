@@ -116,6 +116,21 @@ TEST_F(PamTest, aFloodedPortLeavesRoomForTheOthers) {
    EXPECT_EQ(a->rooms, 1);
 }
 
+TEST_F(PamTest, aHeraldSeesWhatWillBeReadBeforeItsTurn) {
+   static std::string seen;
+   seen.clear();
+   auto pam = Rex::make<QuietPam>(IntfId("Ethernet1"));
+   pam->heraldIs([](std::span<const uint8_t> frame) { seen += static_cast<char>(frame[0]); });
+   arrive(*pam, 'a');
+   arrive(*pam, 'b');
+   EXPECT_EQ(seen, "ab");
+   globalPktManager().memoryLimitIs(0);
+   EXPECT_FALSE(arrive(*pam, 'c'));
+   pam->close();
+   arrive(*pam, 'd');
+   EXPECT_EQ(seen, "ab");
+}
+
 TEST_F(PamTest, aClosedPortIsDeafAndMute) {
    auto pam = Rex::make<QuietPam>(IntfId("Ethernet1"));
    auto reader = Rex::make<ReaderSm>(pam, story);
