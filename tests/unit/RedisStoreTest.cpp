@@ -291,20 +291,23 @@ TEST_F(RedisStoreTest, EntriesThatAreNoChangeArePassedOver) {
         {W{"x", "y"}, W{"w", "a", "n", "-1"}, W{"w", "a", "n", "1", "set", "a"},
          W{"w", "a", "n", "1", "burn", "a", "b", "c"},
          W{"w", "a", "n", "1", "m", "1", "set", "a", "b", "c"},
-         W{"w", "b", "n", "2", "set", "a", "b", "c"}, W{"w", "a", "n", "3", "m", "1"}}) {
+         W{"w", "b", "n", "2", "set", "a", "b", "c"}, W{"w", "a", "n", "3", "m", "1"},
+         W{"w", "b", "n", "3", "set", "a", "b", "d"}}) {
       W entry{"XADD", "state:changes", "*"};
       entry.insert(entry.end(), fields.begin(), fields.end());
       server.ask(entry);
    }
    auto changes = client.read(before);
-   ASSERT_TRUE(changes && changes->size() == 7);
+   ASSERT_TRUE(changes && changes->size() == 8);
    for (const Change& one : *changes) {
       bool whole = one.writer == "b";
       EXPECT_EQ(one.operations.size(), whole ? 1u : 0u);
       EXPECT_FALSE(one.id.empty());
    }
    EXPECT_EQ(client.store.malformedEntries(), 6u);
-   EXPECT_THAT(test.takeLogs(), Contains(HasSubstr("STATE_STORE_ENTRY_MALFORMED")));
+   EXPECT_THAT(test.takeLogs(),
+               Contains(AllOf(HasSubstr("STATE_STORE_ENTRY_MALFORMED"),
+                              HasSubstr("entry " + changes->at(6).id + " is no change"))));
    EXPECT_THAT(*client.read(changes->back().id), IsEmpty());
 
    // Keys of another kind are no rows.
